@@ -1,0 +1,13 @@
+// SPDX-License-Identifier: MIT
+// Clearing a position and setting up the start of a game.
+#pragma once
+
+#include "board/table.h"
+
+/// Empties the board: `Array`, bitboards, `Kol_figur`, `castling`, `ep_flag` and the three keys.
+/// The king squares, `side`, `ep_square` and `capture_flag` stay as they were.
+void clear_position(Table& table);
+
+/// Sets up the starting position and empties the game record. The keys come out as told at the
+/// definition: they are not yet those of the position.
+void set_start_position(Table& table);

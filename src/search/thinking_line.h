@@ -1,0 +1,9 @@
+// SPDX-License-Identifier: MIT
+// The line that one iteration shows.
+#pragma once
+
+#include <cstdint>
+
+/// Prints depth, score (side to move's view, pawn = 72), hundredths of a second since the start of
+/// the search, nodes, and the principal variation of row 0 of `vetka`.
+void print_thinking_line(std::int32_t score);

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+// The order of the steps is the order of what a user sees.
+#include "shell/start_up.h"
+
+#include "board/set_up.h"
+#include "eval/pawn_cache.h"
+#include "search/computer_move.h"
+#include "search/hash_table.h"
+#include "search/move_order.h"
+#include "shell/config.h"
+#include "shell/engine_state.h"
+#include "shell/log.h"
+
+namespace {
+
+void print_banner() {
+    mirror("Corvane version " CORVANE_VERSION " by Orlen Vastrik", end_line);
+    mirror("2024-2026", end_line);
+    mirror("https://corvane.example", end_line);
+    mirror(end_line);
+}
+
+}  // namespace
+
+void start_up(Table& table) {
+    read_config();
+    open_log();
+    print_banner();
+    // Here the endgame tables will be registered and their cache given its memory.
+    pawn_cache_allocate();
+    hash_allocate();
+    hash_clear();
+    forget_previous_score();
+    // Here the opening book will be loaded.
+    engine.game_line.clear();
+    history_reset();
+    set_start_position(table);
+}

@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: MIT
+// One call for each owner of globals.
+#include "support/reset_all.h"
+
+#include <sstream>
+
+#include "eval/pawn_cache.h"
+#include "search/computer_move.h"
+#include "search/hash_table.h"
+#include "search/move_order.h"
+#include "search/search_state.h"
+#include "shell/engine_state.h"
+#include "shell/game_record.h"
+#include "shell/log.h"
+
+void reset_all(int megabytes) {
+    reset_log();
+    log_enabled = false;
+    reset_engine_state();
+    reset_search_state();
+    reset_computer_move();
+    game_reset();
+    history_reset();
+    pawn_cache_allocate();
+    std::ostringstream nowhere;
+    std::ostream* const before = exchange_output(&nowhere);
+    hash_mb = megabytes;
+    hash_age = '1';
+    hash_allocate();
+    hash_clear();
+    exchange_output(before);
+}

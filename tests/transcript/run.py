@@ -1,0 +1,414 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Runs transcripts: sessions of the real program, compared whole with what it should print.
+
+    run.py PROGRAM                     every transcript of this folder
+    run.py PROGRAM 010_quit.txt ...    the named ones
+    run.py PROGRAM --update FILE ...   print the actual text in transcript form; no file is changed
+    run.py --list                      the names of all transcripts
+
+The program runs in an empty temporary folder. Its standard output, corvane.log and every file of
+the folder are compared byte for byte, its exit status has to be 0 and its standard error empty.
+
+A transcript is read line by line. A keyword stands in columns 1 to 6, its text from column 8 on:
+
+    # text                  a comment; empty lines are passed over
+    file   NAME TEXT        a line of a file put there before the run; without TEXT an empty file
+    folder NAME             an empty folder put there before the run, to be left empty
+    send   TEXT             a line of standard input
+    stdout TEXT             a line of standard output
+    log    TEXT             a line of corvane.log
+    both   TEXT             a line of standard output that is in corvane.log too
+    log    as stdout        here the log holds all that this run printed
+    log    as before        here the log holds what it held before this run
+    leaves NAME TEXT        a line of a file as the run leaves it; without TEXT an empty file
+    absent NAME             no such file after the run
+    run                     ends one run and begins the next, in the same folder
+
+Sends and outputs may be mixed as the session went: only the order within a stream counts. A file
+that is not under `leaves` or `absent` has to be as it was, and no other file may appear. Something
+has to be said of the log for every run.
+
+A TEXT of `@name` alone stands for the lines of fragments/name.txt. In every TEXT:
+
+    \\s blank, at the end of a line   \\\\ backslash   \\r \\n \\t control characters   \\xHH a byte
+    \\c at the end: no line end follows   \\*N{TEXT} the text N times
+
+Times are the only thing that is masked. `<t>` stands for the time in a thinking line, in a perft
+line (together with the speed), and in the log's lines on the clock; a time longer than the run
+itself is not accepted there.
+"""
+
+import argparse
+import difflib
+import os
+import re
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+HERE = Path(__file__).resolve().parent
+LOG = "corvane.log"
+KEYWORDS = ("file", "folder", "send", "stdout", "log", "both", "leaves", "absent", "run")
+TEXT_COLUMN = 7
+SHOWN_WIDTH = 200
+
+MOVE = r"(?:[a-h][1-8][a-h][1-8][qrbn]? |     )"
+ESCAPES = {"s": " ", "\\": "\\", "r": "\r", "n": "\n", "t": "\t"}
+
+
+class TranscriptError(Exception):
+    """The transcript itself is at fault."""
+
+
+# --- the text of a transcript -------------------------------------------------------------------
+
+
+def decode(text):
+    """The characters that TEXT stands for, and whether a line end follows them."""
+    result = []
+    at = 0
+    while at < len(text):
+        if text[at] != "\\":
+            result.append(text[at])
+            at += 1
+            continue
+        rest = text[at + 1 :]
+        repeat = re.match(r"\*(\d+)\{([^}]*)\}", rest)
+        code = re.match(r"x([0-9a-f]{2})", rest)
+        if rest == "c":
+            return "".join(result), False
+        if repeat:
+            result.append(decode(repeat.group(2))[0] * int(repeat.group(1)))
+            at += 1 + repeat.end()
+        elif code:
+            result.append(chr(int(code.group(1), 16)))
+            at += 1 + code.end()
+        elif rest[:1] in ESCAPES:
+            result.append(ESCAPES[rest[0]])
+            at += 2
+        else:
+            raise TranscriptError(f"unknown escape in: {text}")
+    return "".join(result), True
+
+
+def encode(line):
+    """One line (no line end) in the notation of transcripts, so that a difference can be pasted."""
+    body = line.rstrip(" ")
+    tail = "\\s" * (len(line) - len(body))
+    shown = "".join(
+        "\\\\" if c == "\\" else c if " " <= c <= "~" else f"\\x{ord(c):02x}" for c in body
+    )
+    return shown + tail
+
+
+def encoded_lines(content):
+    """The lines of a stream in transcript notation; a missing last line end is marked."""
+    lines = content.split("\n")
+    last = lines.pop()
+    shown = [encode(line) for line in lines]
+    return shown + [encode(last) + "\\c"] if last else shown
+
+
+def read_lines(path):
+    lines = path.read_text(encoding="latin-1").split("\n")
+    if lines.pop() != "":
+        raise TranscriptError(f"{path.name}: no line end at the end of the file")
+    for number, line in enumerate(lines, 1):
+        if line != line.rstrip():
+            raise TranscriptError(f"{path.name}:{number}: blank at the end of the line")
+    return lines
+
+
+def texts_of(text):
+    """What one TEXT adds to a stream."""
+    if re.fullmatch(r"@\w+", text):
+        fragment = HERE / "fragments" / f"{text[1:]}.txt"
+        return "".join(texts_of(line) for line in read_lines(fragment) if line[:1] != "#")
+    characters, line_end = decode(text)
+    return characters + ("\n" if line_end else "")
+
+
+class Run:
+    """One start of the program: what it is given and what is expected of it."""
+
+    def __init__(self):
+        self.files = {}
+        self.folders = []
+        self.stdin = ""
+        self.stdout = ""
+        self.log_parts = []  # ("text", ...), ("stdout",) or ("before",)
+        self.leaves = {}
+        self.absent = []
+
+    def expected_log(self, before):
+        parts = {"stdout": self.stdout, "before": before}
+        return "".join(p[1] if p[0] == "text" else parts[p[0]] for p in self.log_parts)
+
+    def says_nothing_of_the_log(self):
+        return not self.log_parts and LOG not in self.absent and LOG not in self.leaves
+
+    def add(self, keyword, text):
+        name, _, rest = text.partition(" ")
+        rest = rest.lstrip(" ")
+        if keyword in ("file", "leaves"):
+            target = self.files if keyword == "file" else self.leaves
+            target[name] = target.get(name, "") + (texts_of(rest) if rest else "")
+        elif keyword == "folder":
+            self.folders.append(name)
+        elif keyword == "absent":
+            self.absent.append(name)
+        elif keyword == "send":
+            self.stdin += texts_of(text)
+        elif keyword == "log" and text in ("as stdout", "as before"):
+            self.log_parts.append((text.split()[1],))
+        else:
+            if keyword in ("stdout", "both"):
+                self.stdout += texts_of(text)
+            if keyword in ("log", "both"):
+                self.log_parts.append(("text", texts_of(text)))
+
+
+def parse(path):
+    lines = read_lines(path)
+    if not lines or not lines[0].startswith("# "):
+        raise TranscriptError(f"{path.name}: begins without a comment on what it shows")
+    runs = [Run()]
+    for number, line in enumerate(lines, 1):
+        if not line or line.startswith("#"):
+            continue
+        keyword = line[:TEXT_COLUMN].rstrip()
+        if keyword not in KEYWORDS:
+            raise TranscriptError(f"{path.name}:{number}: unknown keyword {keyword!r}")
+        if keyword == "run":
+            runs.append(Run())
+            continue
+        try:
+            runs[-1].add(keyword, line[TEXT_COLUMN:])
+        except (TranscriptError, OSError) as fault:
+            raise TranscriptError(f"{path.name}:{number}: {fault}") from fault
+    folders = [name for run in runs for name in run.folders]
+    if LOG not in folders and any(run.says_nothing_of_the_log() for run in runs):
+        raise TranscriptError(f"{path.name}: a run that says nothing of {LOG}")
+    return runs
+
+
+# --- times --------------------------------------------------------------------------------------
+
+
+def mask(line, run_ms):
+    """The line with its time as <t>, if it is a line with a time and the time is possible."""
+    ticks = 2**32
+    for pattern, limit in (
+        (r"^(?P<head>\d+ -?\d+ )(?P<time>\d+)(?P<tail> \d+ %s*)$" % MOVE, run_ms / 10),
+        (r"^(?P<head>\d+ \d+  \d+  time: )(?P<time>\d+)(?: speed \d+)?(?P<tail>)$", run_ms),
+        (r"^(?P<head>>>>>>>> Used time: )(?P<time>\d+)(?P<tail>)$", run_ms),
+        (r"^(?P<head>>>>>>>> Time for analyze: time_begin = )(?P<time>\d+)(?P<tail>)$", ticks),
+        (r"^(?P<head><<<<<<<  UKRALI VREMJA: )(?P<time>-?\d+)(?P<tail>)$", ticks),
+    ):
+        match = re.match(pattern, line)
+        if match and int(match["time"]) <= limit:
+            return match["head"] + "<t>" + match["tail"]
+    return line
+
+
+def masked(actual, expected, run_ms):
+    """`actual` with times masked on the lines that `expected` does not hold to the digit."""
+    known = set(expected.split("\n"))
+    lines = actual.split("\n")
+    return "\n".join(line if line in known else mask(line, run_ms) for line in lines)
+
+
+# --- running and comparing ----------------------------------------------------------------------
+
+
+def shorten(line):
+    if len(line) <= SHOWN_WIDTH:
+        return line
+    return f"{line[:SHOWN_WIDTH]}... ({len(line)} characters)"
+
+
+def difference(what, expected, actual):
+    """A unified diff, empty if the two texts are equal byte for byte."""
+    if expected == actual:
+        return []
+    lines = difflib.unified_diff(
+        encoded_lines(expected),
+        encoded_lines(actual),
+        f"{what} expected",
+        f"{what} actual",
+        lineterm="",
+    )
+    return [shorten(line) for line in lines]
+
+
+class Outcome:
+    """What a run of the program left behind."""
+
+    def __init__(self, status, stdout, stderr, tree, run_ms):
+        self.status = status
+        self.stdout = stdout
+        self.stderr = stderr
+        self.tree = tree
+        self.run_ms = run_ms
+
+
+def read_tree(folder):
+    """Every entry of the folder: the text of a file, None for an empty folder."""
+    tree = {}
+    for entry in sorted(folder.iterdir()):
+        if entry.is_dir():
+            tree[entry.name] = None if not any(entry.iterdir()) else "(a folder with entries)"
+        else:
+            tree[entry.name] = entry.read_bytes().decode("latin-1")
+    return tree
+
+
+def prepare(folder, run):
+    for name in run.folders:
+        (folder / name).mkdir()
+    for name, text in run.files.items():
+        (folder / name).write_bytes(text.encode("latin-1"))
+
+
+def execute(program, folder, stdin, timeout):
+    begin = time.monotonic()
+    try:
+        done = subprocess.run(
+            [program],
+            cwd=folder,
+            input=stdin.encode("latin-1"),
+            capture_output=True,
+            timeout=timeout,
+        )
+        status, out, err = done.returncode, done.stdout, done.stderr
+    except subprocess.TimeoutExpired as late:
+        status, out, err = f"none within {timeout} s", late.stdout or b"", late.stderr or b""
+    run_ms = (time.monotonic() - begin) * 1000 + 10
+    texts = [text.decode("latin-1") for text in (out, err)]
+    return Outcome(status, texts[0], texts[1], read_tree(folder), run_ms)
+
+
+def expected_tree(run, before):
+    """The folder as the run should leave it, given the folder as it was before the run."""
+    tree = dict(before)
+    tree.update(run.leaves)
+    if run.log_parts:
+        tree[LOG] = run.expected_log(before.get(LOG) or "")
+    for name in run.absent:
+        tree.pop(name, None)
+    return tree
+
+
+def compare(run, before, outcome):
+    """The lines of a report; empty if the run went as told."""
+    report = []
+    if outcome.status != 0:
+        report.append(f"exit status {outcome.status}")
+    report += difference("standard error", "", outcome.stderr)
+    actual = masked(outcome.stdout, run.stdout, outcome.run_ms)
+    report += difference("standard output", run.stdout, actual)
+    expected = expected_tree(run, before)
+    for name in sorted(expected.keys() | outcome.tree.keys()):
+        if name not in expected:
+            report.append(f"unexpected file: {name}")
+            report += difference(name, "", outcome.tree[name] or "")
+        elif name not in outcome.tree:
+            report.append(f"missing file: {name}")
+        elif expected[name] is None or outcome.tree[name] is None:
+            if expected[name] != outcome.tree[name]:
+                report.append(f"{name}: not the empty folder or the file that it should be")
+        else:
+            text = outcome.tree[name]
+            if name == LOG:
+                text = masked(text, expected[name], outcome.run_ms)
+            report += difference(name, expected[name], text)
+    return report
+
+
+def print_actual(number, run, before, outcome):
+    """The run's outputs in transcript form, for pasting after a look at every line."""
+    print(f"# run {number}: exit status {outcome.status}, standard error {outcome.stderr!r}")
+    stdout = masked(outcome.stdout, run.stdout, outcome.run_ms)
+    for line in encoded_lines(stdout):
+        print(f"stdout {line}".rstrip())
+    for name, text in outcome.tree.items():
+        if name == LOG and text is not None:
+            held = before.get(LOG) or ""
+            if text.startswith(held) and held:
+                print("log    as before")
+                text = text[len(held) :]
+            if text == outcome.stdout:
+                print("log    as stdout")
+                continue
+            for line in encoded_lines(masked(text, run.expected_log(held), outcome.run_ms)):
+                print(f"log    {line}".rstrip())
+        elif before.get(name, "") != text:
+            for line in encoded_lines(text or ""):
+                print(f"leaves {name}    {line}".rstrip())
+    for name in before.keys() - outcome.tree.keys():
+        print(f"absent {name}")
+
+
+def run_transcript(program, path, timeout, update):
+    """Plays one transcript; returns the report, empty if all went as told."""
+    report = []
+    with tempfile.TemporaryDirectory(prefix="transcript-") as name:
+        folder = Path(name)
+        for number, run in enumerate(parse(path), 1):
+            prepare(folder, run)
+            before = read_tree(folder)
+            outcome = execute(program, folder, run.stdin, timeout)
+            if update:
+                print_actual(number, run, before, outcome)
+                continue
+            faults = compare(run, before, outcome)
+            if faults:
+                report += [f"run {number}:"] + faults
+    return report
+
+
+def all_transcripts():
+    return sorted(HERE.glob("[0-9][0-9][0-9]_*.txt"))
+
+
+def find(name):
+    path = Path(name)
+    return path if path.exists() else HERE / name
+
+
+def main():
+    parser = argparse.ArgumentParser(description="Runs transcripts of the engine.")
+    parser.add_argument("program", nargs="?", help="path of the engine")
+    parser.add_argument("files", nargs="*", help="transcripts; all if none is named")
+    parser.add_argument("--list", action="store_true", help="print the names of all transcripts")
+    parser.add_argument("--update", action="store_true", help="print the actual text only")
+    parser.add_argument("--timeout", type=float, default=60, help="seconds for one run (60)")
+    arguments = parser.parse_args()
+    if arguments.list:
+        print("\n".join(path.name for path in all_transcripts()))
+        return 0
+    if arguments.program is None:
+        parser.error("the path of the engine is missing")
+    program = os.path.abspath(arguments.program)
+    paths = [find(name) for name in arguments.files] or all_transcripts()
+    if not paths:
+        parser.error("no transcript found")
+    failed = 0
+    for path in paths:
+        try:
+            report = run_transcript(program, path, arguments.timeout, arguments.update)
+        except (TranscriptError, OSError) as fault:
+            report = [str(fault)]
+        if report:
+            failed += 1
+            print(f"FAILED {path.name}", *report, sep="\n")
+    if not arguments.update:
+        print(f"{len(paths)} transcripts, {failed} failed")
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

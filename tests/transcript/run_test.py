@@ -1,0 +1,140 @@
+#!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
+"""Tests of the transcript runner: what it has to notice, shown with programs of a few words."""
+
+import stat
+import sys
+import tempfile
+import unittest
+from pathlib import Path
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(Path(__file__).resolve().parent))
+import run as runner  # noqa: E402
+
+LOGGED_HELLO = "echo hello; echo hello >> corvane.log"
+HELLO = "# a greeting\nstdout hello\nlog    as stdout\n"
+
+
+class RunnerTest(unittest.TestCase):
+    def setUp(self):
+        self.temporary = tempfile.TemporaryDirectory()
+        self.folder = Path(self.temporary.name)
+
+    def tearDown(self):
+        self.temporary.cleanup()
+
+    def play(self, script, transcript, timeout=10):
+        """The report on a shell script that stands in for the program."""
+        program = self.folder / "program"
+        program.write_text("#!/bin/sh\n" + script + "\n", encoding="latin-1")
+        program.chmod(program.stat().st_mode | stat.S_IXUSR)
+        path = self.folder / "001_test.txt"
+        path.write_text(transcript, encoding="latin-1")
+        return runner.run_transcript(str(program), path, timeout, False)
+
+    def assert_plays(self, script, transcript):
+        self.assertEqual(self.play(script, transcript), [])
+
+    def assert_fails(self, script, transcript, part, timeout=10):
+        self.assertIn(part, "\n".join(self.play(script, transcript, timeout)))
+
+    def test_accepts_what_is_told(self):
+        self.assert_plays(LOGGED_HELLO, HELLO)
+
+    def test_notices_a_wrong_line(self):
+        self.assert_fails("echo hallo; echo hello > corvane.log", HELLO, "+hallo")
+
+    def test_notices_a_blank_at_the_end(self):
+        self.assert_fails("echo 'hello '; echo hello > corvane.log", HELLO, "+hello\\s")
+
+    def test_notices_a_missing_line_end(self):
+        self.assert_fails("printf hello; echo hello > corvane.log", HELLO, "+hello\\c")
+
+    def test_notices_a_line_too_many(self):
+        self.assert_fails(LOGGED_HELLO + "; echo", HELLO, "standard output")
+
+    def test_notices_a_different_log(self):
+        self.assert_fails("echo hello; echo hallo > corvane.log", HELLO, "corvane.log actual")
+
+    def test_notices_a_missing_log(self):
+        self.assert_fails("echo hello", HELLO, "missing file: corvane.log")
+
+    def test_notices_an_unexpected_file(self):
+        self.assert_fails(LOGGED_HELLO + "; echo > core", HELLO, "unexpected file: core")
+
+    def test_notices_a_changed_file(self):
+        transcript = "# kept\nfile   a.ini    one\nabsent corvane.log\n"
+        self.assert_plays("true", transcript)
+        self.assert_fails("echo two > a.ini", transcript, "+two")
+
+    def test_notices_a_file_that_should_be_gone(self):
+        transcript = "# gone\nfile   a.ini    one\nabsent a.ini\nabsent corvane.log\n"
+        self.assert_plays("rm a.ini", transcript)
+        self.assert_fails("true", transcript, "unexpected file: a.ini")
+
+    def test_notices_a_bad_exit_status(self):
+        self.assert_fails(LOGGED_HELLO + "; exit 3", HELLO, "exit status 3")
+
+    def test_notices_a_signal(self):
+        self.assert_fails(LOGGED_HELLO + "; kill -11 $$", HELLO, "exit status -11")
+
+    def test_notices_standard_error(self):
+        self.assert_fails(LOGGED_HELLO + "; echo oops >&2", HELLO, "+oops")
+
+    def test_notices_a_program_that_hangs(self):
+        self.assert_fails(LOGGED_HELLO + "; exec sleep 5", HELLO, "none within 0.3 s", 0.3)
+
+    def test_feeds_input_and_files(self):
+        self.assert_plays(
+            "cat; cat a.ini",
+            "# echo\nfile   a.ini    one\\s\nsend   two\nsend   \\*3{x}\\c\n"
+            "stdout two\nstdout xxxone\\s\nabsent corvane.log\n",
+        )
+
+    def test_plays_runs_in_the_same_folder(self):
+        self.assert_plays(
+            LOGGED_HELLO,
+            HELLO + "run\nstdout hello\nlog    as before\nlog    as stdout\n",
+        )
+
+    def test_masks_times_and_nothing_else(self):
+        transcript = "# time\nstdout 2 15 <t> 60 e2e4 e7e5\\s\nabsent corvane.log\n"
+        self.assert_plays("echo '2 15 0 60 e2e4 e7e5 '", transcript)
+        for line in (
+            "2 15 0 61 e2e4 e7e5 ",
+            "2 16 0 60 e2e4 e7e5 ",
+            "2 15 0 60 e2e4 e7e5",
+            "2 15 -1 60 e2e4 e7e5 ",
+            "2 15 0 60 e2e4  e7e5 ",
+            "2 15 999999 60 e2e4 e7e5 ",
+        ):
+            self.assert_fails(f"echo '{line}'", transcript, "standard output")
+
+    def test_masks_the_speed_of_perft(self):
+        transcript = "# speed\nstdout 1 20  20  time: <t>\nabsent corvane.log\n"
+        self.assert_plays("echo '1 20  20  time: 0'", transcript)
+        self.assert_plays("echo '1 20  20  time: 1 speed 20'", transcript)
+        self.assert_fails("echo '1 20 20  time: 0'", transcript, "standard output")
+
+    def test_masks_only_where_asked(self):
+        transcript = "# exact\nstdout <<<<<<<  UKRALI VREMJA: -50\nabsent corvane.log\n"
+        self.assert_plays("echo '<<<<<<<  UKRALI VREMJA: -50'", transcript)
+        self.assert_fails("echo '<<<<<<<  UKRALI VREMJA: -51'", transcript, "standard output")
+
+    def test_refuses_transcripts_at_fault(self):
+        for transcript in (
+            "stdout no comment\nabsent corvane.log\n",
+            "# nothing of the log\nstdout x\n",
+            "# keyword\nstdot x\nabsent corvane.log\n",
+            "# blank at the end \nabsent corvane.log\n",
+            "# escape\nstdout \\q\nabsent corvane.log\n",
+            "# fragment\nstdout @missing_one\nabsent corvane.log\n",
+            "# no line end\nabsent corvane.log",
+        ):
+            with self.assertRaises(runner.TranscriptError, msg=transcript):
+                self.play("true", transcript)
+
+
+if __name__ == "__main__":
+    unittest.main()
