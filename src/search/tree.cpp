@@ -111,15 +111,6 @@ bool node_is_stopped() {
     return stop_flag == 1 || clock_stops_node();
 }
 
-void generate_for_node(const Table& position, MoveList& list, bool checked) {
-    cur_moves = &list;
-    if (checked) {
-        gen_evasions(position, position.side);
-    } else {
-        gen_all(position, position.side);
-    }
-}
-
 /// Result of the moves of a node.
 struct LoopResult {
     enum class End { stopped, cut, finished } end;
@@ -140,6 +131,7 @@ LoopResult search_moves(Table& position, MoveList& list, std::int32_t depth, std
             Rules::extends_pawns && is_pawn_to_seventh(position, move.posFrom);
         UndoRecord undo;
         make(position, move.posFrom, move.posTo, move.posInfo, undo);
+        hash_prefetch(position);
         list.take_out(slot);
         if (!mover_is_safe(position)) {
             unmake(position, undo);
@@ -177,12 +169,9 @@ LoopResult search_moves(Table& position, MoveList& list, std::int32_t depth, std
     return result;
 }
 
-/// Stores what the moves of a node gave, unless the walk along the previous line goes on.
+/// Stores what the moves of a node gave.
 void store_result(HashEntry& entry, const Table& position, std::int32_t depth,
                   const LoopResult& result) {
-    if (follow_pv != 0) {
-        return;
-    }
     if (result.end == LoopResult::End::cut) {
         hash_store(entry, position, depth, hash_lower, result.score, &result.best);
     } else if (result.improved) {
@@ -192,75 +181,103 @@ void store_result(HashEntry& entry, const Table& position, std::int32_t depth,
     }
 }
 
-template <class Rules>
-std::int32_t search_node(Table& position, std::int32_t depth, std::int32_t alpha,
-                         std::int32_t beta) {
-    // Repetition: of the game's positions alone, and only near the root.
-    if constexpr (Rules::remembers) {
-        if (ply < repetition_plies && game_repeated_twice(position.side, position.Array.data())) {
-            return 0;
-        }
-    }
+/// Whether the position has stood twice in the game, asked near the root alone; the search's own
+/// line is not looked at.
+bool is_repetition(const Table& position) {
+    return ply < repetition_plies && game_repeated_twice(position.side, position.Array.data());
+}
 
-    // Horizon: a side in check goes on as a full node.
-    line_length(ply) = ply;
+/// Whether quiescence takes over: at the limit of plies, or at the horizon with a safe king. A side
+/// in check at the horizon goes on as a full node. Works `checked` out only if it needs to.
+bool is_horizon(const Table& position, std::int32_t depth, bool& checked) {
     if (ply >= ply_limit) {
-        return Table::quiesce(position, alpha, beta);
+        return true;
     }
-    bool checked = false;
-    if (depth < 1) {
-        checked = in_check(position, position.side);
-        if (!checked) {
-            return Table::quiesce(position, alpha, beta);
-        }
-    }
-    ++TotalNodes;
-
-    // Hash table. An entry deep enough that does not cut gives no hash move either: the move comes
-    // from entries too shallow to cut alone.
-    HashEntry& entry = hash_slot(position);
-    bool hash_move_usable = false;
-    if constexpr (Rules::remembers) {
-        if (follow_pv == 0 && hash_hit(entry, position)) {
-            if (entry.depth < depth) {
-                hash_move_usable =
-                    entry.has_move == 1 && depth - entry.depth < Rules::hash_move_gap;
-            } else if (hash_cuts(entry, alpha, beta)) {
-                return entry.score;
-            }
-        }
-    }
-
-    if (node_is_stopped()) {
-        return alpha;
-    }
-
-    // Here the endgame tables will answer for nodes that remember, with fewer than six men.
-
     if (depth >= 1) {
-        checked = in_check(position, position.side);
+        return false;
     }
+    checked = in_check(position, position.side);
+    return !checked;
+}
 
-    if constexpr (Rules::cuts_early) {
-        if (!checked && position.capture_flag == 0) {
-            LazyScore static_score(position, alpha, beta);
-            if (static_cut(depth, beta, static_score) ||
-                null_move_cuts(position, depth, beta, static_score)) {
-                return beta;
-            }
-        }
+/// What the hash table says of a node: its score, or whether its move may be tried first.
+struct HashAnswer {
+    bool cuts = false;
+    bool move_usable = false;
+};
+
+/// Asks the node's slot. An entry deep enough that does not cut gives no move either: the hash move
+/// comes from entries too shallow to cut alone.
+template <class Rules>
+HashAnswer ask_hash(const HashEntry& entry, const Table& position, std::int32_t depth,
+                    std::int32_t alpha, std::int32_t beta) {
+    if (follow_pv != 0 || !hash_hit(entry, position)) {
+        return {};
     }
+    if (entry.depth < depth) {
+        return {false, entry.has_move == 1 && depth - entry.depth < Rules::hash_move_gap};
+    }
+    return {hash_cuts(entry, alpha, beta), false};
+}
 
-    // Moves.
-    MoveList list;
-    generate_for_node(position, list, checked);
-    if (hash_move_usable) {
-        score_moves_hash(position, list, entry.from, entry.to,
-                         static_cast<PieceCode>(static_cast<std::int32_t>(entry.info)));
+/// Fills the node's list and scores it.
+void prepare_moves(const Table& position, MoveList& list, bool checked,
+                   const HashEntry* with_move) {
+    cur_moves = &list;
+    if (checked) {
+        gen_evasions(position, position.side);
+    } else {
+        gen_all(position, position.side);
+    }
+    if (with_move != nullptr) {
+        score_moves_hash(position, list, with_move->from, with_move->to,
+                         static_cast<PieceCode>(static_cast<std::int32_t>(with_move->info)));
     } else {
         score_moves(position, list);
     }
     mark_old_line(list);
+}
+
+template <class Rules>
+std::int32_t search_node(Table& position, std::int32_t depth, std::int32_t alpha,
+                         std::int32_t beta) {
+    if (Rules::remembers && is_repetition(position)) {
+        return 0;  // before the line's length is reset: the parent may copy an older one
+    }
+    line_length(ply) = ply;
+    bool checked = false;
+    if (is_horizon(position, depth, checked)) {
+        return Table::quiesce(position, alpha, beta);
+    }
+    ++TotalNodes;
+
+    HashEntry& entry = hash_slot(position);
+    HashAnswer hash;
+    if constexpr (Rules::remembers) {
+        hash = ask_hash<Rules>(entry, position, depth, alpha, beta);
+        if (hash.cuts) {
+            return entry.score;
+        }
+    }
+    if (node_is_stopped()) {
+        return alpha;
+    }
+
+    // Here the endgame tables will answer, in nodes that remember, with fewer than six men.
+
+    if (depth >= 1) {
+        checked = in_check(position, position.side);
+    }
+    if (Rules::cuts_early && !checked && position.capture_flag == 0) {
+        LazyScore static_score(position, alpha, beta);
+        if (static_cut(depth, beta, static_score) ||
+            null_move_cuts(position, depth, beta, static_score)) {
+            return beta;
+        }
+    }
+
+    MoveList list;
+    prepare_moves(position, list, checked, hash.move_usable ? &entry : nullptr);
     const LoopResult result = search_moves<Rules>(position, list, depth, alpha, beta);
     if (result.end == LoopResult::End::stopped) {
         return result.score;
@@ -268,7 +285,7 @@ std::int32_t search_node(Table& position, std::int32_t depth, std::int32_t alpha
     if (result.legal == 0) {
         return checked ? mated_here() : 0;
     }
-    if constexpr (Rules::remembers) {
+    if (Rules::remembers && follow_pv == 0) {
         store_result(entry, position, depth, result);
     }
     return result.score;

@@ -10,7 +10,7 @@
 #include <string_view>
 
 /// Characters of a word that are kept; what is longer is read and dropped.
-inline constexpr std::size_t max_word = std::size_t{1} << 20;
+inline constexpr std::size_t max_word = std::size_t{1} << 24;
 
 /// Reads one stream by words. A number that cannot be read leaves its word for the next reading,
 /// so that no input can stop the stream.
