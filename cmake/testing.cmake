@@ -38,7 +38,7 @@ endfunction()
 function(corvane_fuzz name)
     add_executable(fuzz_${name} ${name}.cpp)
     target_link_libraries(fuzz_${name} PRIVATE corvane_core corvane_test_support
-                                                corvane_fake_clock)
+                                               corvane_ending_clock)
     corvane_warnings(fuzz_${name})
     if(CORVANE_LIBFUZZER)
         target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)

@@ -44,7 +44,6 @@ struct NullNode {
     static constexpr bool remembers = false;
     static constexpr bool cuts_early = false;
     static constexpr bool extends_pawns = false;
-    static constexpr std::int32_t hash_move_gap = 0;
     static constexpr SearchFunction after_extension = Table::search_null;
     static constexpr SearchFunction otherwise = Table::search_null;
 };

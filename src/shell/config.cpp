@@ -63,21 +63,6 @@ constexpr std::array<ConfigKey, 9> config_keys = {{
     {"new_log_after_start:", [](WordReader& in) { new_log_after_start = value_is_on(in); }},
 }};
 
-/// Walks the words of the file. True: at least one of them was a key.
-bool read_keys(WordReader& in) {
-    bool found = false;
-    while (const auto word = in.word()) {
-        for (const ConfigKey& key : config_keys) {
-            if (equal_caseless(*word, key.word)) {
-                key.read_value(in);
-                found = true;
-                break;
-            }
-        }
-    }
-    return found;
-}
-
 void set_defaults() {
     engine.TbPath.clear();
     hash_mb = usual_hash_mb;
@@ -97,13 +82,27 @@ void write_default_file() {
 
 }  // namespace
 
+bool read_config_words(std::istream& stream) {
+    WordReader in(stream);
+    bool found = false;
+    while (const auto word = in.word()) {
+        for (const ConfigKey& key : config_keys) {
+            if (equal_caseless(*word, key.word)) {
+                key.read_value(in);
+                found = true;
+                break;
+            }
+        }
+    }
+    return found;
+}
+
 void read_config() {
     set_defaults();
     bool found = false;
     {
         std::ifstream file(config_name);
-        WordReader in(file);
-        found = read_keys(in);
+        found = read_config_words(file);
     }
     if (!found) {
         mirror("Can not open Corvane.ini file!", end_line);
