@@ -24,30 +24,34 @@ inline void toggle_pawn_keys(Table& table, Square square) {
     table.pawn_hash ^= pawn_key(S, square);
 }
 
+/// Takes a captured man that is no pawn out of the keys and its bitboard.
+template <PieceCode Man>
+inline void lift_officer(Table& table, Square square) {
+    toggle_keys<Man>(table, square);
+    table.*bitboard_of(Man) ^= mask_of(square);
+}
+
+/// The same for a pawn.
+template <Side S>
+inline void lift_pawn(Table& table, Square square) {
+    toggle_pawn_keys<S>(table, square);
+    table.*SideTraits<S>::pawns ^= mask_of(square);
+}
+
 /// Takes a captured man out of the keys and its bitboard. Kings have no branch: a king that is
 /// taken (when the side to move was changed by hand) leaves the keys as they are.
 inline void lift_captured(Table& table, PieceCode code, Square square) {
-    const auto lift = [&]<PieceCode Man>() {
-        toggle_keys<Man>(table, square);
-        table.*bitboard_of(Man) ^= mask_of(square);
-    };
     switch (code) {
-        case w_pawn:
-            toggle_pawn_keys<white>(table, square);
-            table.WPawns ^= mask_of(square);
-            break;
-        case w_knight: lift.operator()<w_knight>(); break;
-        case w_bishop: lift.operator()<w_bishop>(); break;
-        case w_rook: lift.operator()<w_rook>(); break;
-        case w_queen: lift.operator()<w_queen>(); break;
-        case b_pawn:
-            toggle_pawn_keys<black>(table, square);
-            table.BPawns ^= mask_of(square);
-            break;
-        case b_knight: lift.operator()<b_knight>(); break;
-        case b_bishop: lift.operator()<b_bishop>(); break;
-        case b_rook: lift.operator()<b_rook>(); break;
-        case b_queen: lift.operator()<b_queen>(); break;
+        case w_pawn: lift_pawn<white>(table, square); break;
+        case w_knight: lift_officer<w_knight>(table, square); break;
+        case w_bishop: lift_officer<w_bishop>(table, square); break;
+        case w_rook: lift_officer<w_rook>(table, square); break;
+        case w_queen: lift_officer<w_queen>(table, square); break;
+        case b_pawn: lift_pawn<black>(table, square); break;
+        case b_knight: lift_officer<b_knight>(table, square); break;
+        case b_bishop: lift_officer<b_bishop>(table, square); break;
+        case b_rook: lift_officer<b_rook>(table, square); break;
+        case b_queen: lift_officer<b_queen>(table, square); break;
         default: break;
     }
 }
@@ -104,22 +108,24 @@ template <Side S>
     return undo_kind;
 }
 
+/// Puts a man that is no pawn into the keys and its bitboard.
+template <PieceCode Man>
+inline void put_officer(Table& table, Square square) {
+    toggle_keys<Man>(table, square);
+    table.*bitboard_of(Man) |= mask_of(square);
+}
+
 /// Puts the piece promoted to on the board: mailbox, keys, bitboard. False: not one of the four
 /// pieces; the mailbox has taken the code all the same.
 template <Side S>
 [[nodiscard]] inline bool put_promoted(Table& table, Square to, PieceCode info) {
     using Own = SideTraits<S>;
     table.at(to) = info;
-    const auto put = [&]<PieceCode Man>() {
-        toggle_keys<Man>(table, to);
-        table.*bitboard_of(Man) |= mask_of(to);
-        return true;
-    };
     switch (info) {
-        case Own::queen: return put.template operator()<Own::queen>();
-        case Own::rook: return put.template operator()<Own::rook>();
-        case Own::bishop: return put.template operator()<Own::bishop>();
-        case Own::knight: return put.template operator()<Own::knight>();
+        case Own::queen: put_officer<Own::queen>(table, to); return true;
+        case Own::rook: put_officer<Own::rook>(table, to); return true;
+        case Own::bishop: put_officer<Own::bishop>(table, to); return true;
+        case Own::knight: put_officer<Own::knight>(table, to); return true;
         default: return false;
     }
 }

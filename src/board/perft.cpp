@@ -37,6 +37,15 @@ bool is_legal(const Table& table, const Move& move, bool attacked) {
     return !on_line_or_knight(move.posFrom, king) || !line_check(table, table.side, move.posFrom);
 }
 
+void generate_moves(const Table& table, MoveList& list, bool attacked) {
+    cur_moves = &list;
+    if (attacked) {
+        gen_evasions(table, table.side);
+    } else {
+        gen_all(table, table.side);
+    }
+}
+
 }  // namespace
 
 std::int32_t perft(Table& table, std::int32_t depth, std::int32_t alpha, std::int32_t beta) {
@@ -44,20 +53,15 @@ std::int32_t perft(Table& table, std::int32_t depth, std::int32_t alpha, std::in
         ++TotalNodes;
         return 1;
     }
-    MoveList list;
-    cur_moves = &list;
     const bool attacked = in_check(table, table.side);
-    if (attacked) {
-        gen_evasions(table, table.side);
-    } else {
-        gen_all(table, table.side);
-    }
+    MoveList list;
+    generate_moves(table, list, attacked);
     std::int32_t legal = 0;
     while (list.count > 0) {
         const Move move = list.move(1);
         UndoRecord undo;
         make(table, move.posFrom, move.posTo, move.posInfo, undo);
-        list.move(1) = list.move(list.count);
+        list.move(1) = list.move(list.count);  // perft has no use for the scores
         --list.count;
         if (is_legal(table, move, attacked)) {
             ++ply;

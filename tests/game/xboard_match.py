@@ -29,17 +29,24 @@ NEEDED_GAMES = 12
 NEEDED_OF_A_COLOUR = 4
 DEBUG_TAIL_LINES = 40
 
-# In the order of starting, the long ones first. The openings are counted from 0; the seventh is a
-# won middle game, which whole seconds of increment do not draw out.
+# In the order of starting, the long ones first. The openings are counted from 0; 6 and 7 are won
+# middle games.
+#
+# After a jump of the score the engine thinks three times as long, and does not look at its clock
+# then. With fewer than three seconds for each second of increment, or on the last two moves of a
+# control, where its share is half or a third of the clock, that may cost the game. So a game at 40
+# moves begins where it will be over before the fortieth, and the others have controls without end.
 PLANS = (
-    MatchPlan("moves_per_time", games=4, control=("-movesPerSession", "40", "-timeControl", "0:08"),
-              level="level 40 0:08 0", openings=(0, 1), limit_s=300),
+    MatchPlan("long_control", games=4, control=("-movesPerSession", "200", "-timeControl", "0:40"),
+              level="level 200 0:40 0", openings=(0, 1), limit_s=300),
     MatchPlan("increment", games=4, control=("-timeControl", "0:02", "-timeIncrement", "0.1"),
               level="level 0 0:02 0.1", openings=(2, 3), limit_s=300),
-    MatchPlan("whole_seconds", games=2, control=("-timeControl", "0:02", "-timeIncrement", "1"),
-              level="level 0 0:02 1", openings=(6,), limit_s=300),
-    MatchPlan("itself", games=2, control=("-movesPerSession", "40", "-timeControl", "0:06"),
-              level="level 40 0:06 0", openings=(4,), limit_s=300, against_itself=True),
+    MatchPlan("whole_seconds", games=2, control=("-timeControl", "0:30", "-timeIncrement", "1"),
+              level="level 0 0:30 1", openings=(6,), limit_s=300),
+    MatchPlan("forty_moves", games=4, control=("-movesPerSession", "40", "-timeControl", "0:08"),
+              level="level 40 0:08 0", openings=(6, 7), limit_s=300),
+    MatchPlan("itself", games=2, control=("-timeControl", "0:02", "-timeIncrement", "0.1"),
+              level="level 0 0:02 0.1", openings=(4,), limit_s=300, against_itself=True),
     MatchPlan("fixed_depth", games=4, control=("-movesPerSession", "40", "-timeControl", "5"),
               level="level 40 5 0", openings=(5, 7), limit_s=300, depth=5),
 )

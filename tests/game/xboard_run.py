@@ -23,7 +23,9 @@ LAST_BREATH_S = 10
 SILENCE_S = 45
 POLL_S = 0.2
 # An engine without `ping` may still be busy with the old game when the next one begins.
-PAUSE_BETWEEN_GAMES_MS = 300
+PAUSE_BETWEEN_GAMES_MS = 500
+# The move that a last claim was made with comes behind it; `quit` brings a termination signal.
+PAUSE_BEFORE_QUIT_MS = 500
 
 # Between xboard and the engine: keeps the engine's standard error, and sets the interrupt signal
 # to its default action. A test that was started in the background has it ignored, and an ignored
@@ -148,7 +150,8 @@ class MatchRun:
                     "-repeatsToDraw", "6", "-adjudicateLossThreshold", "0",
                     "-adjudicateDrawMoves", "0"]
         # Nothing that waits for a click, makes a noise or outlives the run.
-        command += ["-matchPause", str(PAUSE_BETWEEN_GAMES_MS), "-popupExitMessage", "false",
+        command += ["-matchPause", str(PAUSE_BETWEEN_GAMES_MS),
+                    "-delayBeforeQuit", str(PAUSE_BEFORE_QUIT_MS), "-popupExitMessage", "false",
                     "-popupMoveErrors", "false", "-soundProgram", "", "-animateMoving", "false",
                     "-ponderNextMove", "false", "-showThinking", "true",
                     "-saveSettingsOnExit", "false"]
