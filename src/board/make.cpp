@@ -44,14 +44,13 @@ void take_en_passant(Table& table, Square to, [[maybe_unused]] UndoRecord* undo)
     using Own = SideTraits<S>;
     using Enemy = SideTraits<Own::enemy>;
     const Square taken = to - Own::forward;
-    table.*Enemy::pawns &= ~mask_of(taken);
     table.capture_flag = 1;
     if constexpr (Recorded) {
         undo->en_passant = 1;
         undo->undo_kind = undo_capture;
         undo->captured = Enemy::pawn;
     }
-    toggle_pawn_keys<Enemy::self>(table, taken);
+    lift_pawn<Enemy::self, Recorded>(table, taken);
     table.at(taken) = empty_square;
     --table.Kol_figur;
 }
@@ -59,8 +58,7 @@ void take_en_passant(Table& table, Square to, [[maybe_unused]] UndoRecord* undo)
 template <Side S, bool Recorded>
 void move_pawn(Table& table, Square from, Square to, PieceCode info, UndoRecord* undo) {
     using Own = SideTraits<S>;
-    toggle_pawn_keys<S>(table, from);
-    table.*Own::pawns ^= mask_of(from);
+    lift_pawn<S, Recorded>(table, from);
     if (!Own::on_last_rank(to)) [[likely]] {
         toggle_pawn_keys<S>(table, to);
         table.*Own::pawns |= mask_of(to);
@@ -121,7 +119,8 @@ void play(Table& table, Square from, Square to, PieceCode info, UndoRecord* undo
             undo->undo_kind = undo_capture;
             undo->captured = target;
         }
-        lift_captured(table, target, to);  // the mailbox entry is overwritten by the mover below
+        lift_captured<Recorded>(table, target,
+                                to);  // the mailbox entry is overwritten by the mover below
     }
     table.ep_flag = 0;  // ep_square keeps its old value
     switch (table.at(from)) {

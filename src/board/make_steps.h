@@ -24,34 +24,47 @@ inline void toggle_pawn_keys(Table& table, Square square) {
     table.pawn_hash ^= pawn_key(S, square);
 }
 
-/// Takes a captured man that is no pawn out of the keys and its bitboard.
-template <PieceCode Man>
-inline void lift_officer(Table& table, Square square) {
-    toggle_keys<Man>(table, square);
-    table.*bitboard_of(Man) ^= mask_of(square);
+/// Takes a man's bit off a bitboard. A recorded move flips it: taking back flips it again, which
+/// restores any board, also one set up by hand whose bitboards and mailbox disagree. A final move
+/// clears it.
+template <bool Recorded>
+inline void lift_bit(Bitboard& men, Square square) {
+    if constexpr (Recorded) {
+        men ^= mask_of(square);
+    } else {
+        men &= ~mask_of(square);
+    }
 }
 
-/// The same for a pawn.
-template <Side S>
+/// Takes a captured man that is no pawn out of the keys and its bitboard.
+template <PieceCode Man, bool Recorded>
+inline void lift_officer(Table& table, Square square) {
+    toggle_keys<Man>(table, square);
+    lift_bit<Recorded>(table.*bitboard_of(Man), square);
+}
+
+/// Takes a pawn, captured or about to move, out of the keys and its bitboard.
+template <Side S, bool Recorded>
 inline void lift_pawn(Table& table, Square square) {
     toggle_pawn_keys<S>(table, square);
-    table.*SideTraits<S>::pawns ^= mask_of(square);
+    lift_bit<Recorded>(table.*SideTraits<S>::pawns, square);
 }
 
 /// Takes a captured man out of the keys and its bitboard. Kings have no branch: a king that is
 /// taken (when the side to move was changed by hand) leaves the keys as they are.
+template <bool Recorded>
 inline void lift_captured(Table& table, PieceCode code, Square square) {
     switch (code) {
-        case w_pawn: lift_pawn<white>(table, square); break;
-        case w_knight: lift_officer<w_knight>(table, square); break;
-        case w_bishop: lift_officer<w_bishop>(table, square); break;
-        case w_rook: lift_officer<w_rook>(table, square); break;
-        case w_queen: lift_officer<w_queen>(table, square); break;
-        case b_pawn: lift_pawn<black>(table, square); break;
-        case b_knight: lift_officer<b_knight>(table, square); break;
-        case b_bishop: lift_officer<b_bishop>(table, square); break;
-        case b_rook: lift_officer<b_rook>(table, square); break;
-        case b_queen: lift_officer<b_queen>(table, square); break;
+        case w_pawn: lift_pawn<white, Recorded>(table, square); break;
+        case w_knight: lift_officer<w_knight, Recorded>(table, square); break;
+        case w_bishop: lift_officer<w_bishop, Recorded>(table, square); break;
+        case w_rook: lift_officer<w_rook, Recorded>(table, square); break;
+        case w_queen: lift_officer<w_queen, Recorded>(table, square); break;
+        case b_pawn: lift_pawn<black, Recorded>(table, square); break;
+        case b_knight: lift_officer<b_knight, Recorded>(table, square); break;
+        case b_bishop: lift_officer<b_bishop, Recorded>(table, square); break;
+        case b_rook: lift_officer<b_rook, Recorded>(table, square); break;
+        case b_queen: lift_officer<b_queen, Recorded>(table, square); break;
         default: break;
     }
 }

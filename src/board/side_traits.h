@@ -40,8 +40,9 @@ struct SideTraits<white> {
     static constexpr std::uint32_t short_right = right_white_short;
     static constexpr std::uint32_t long_right = right_white_long;
 
-    static constexpr std::int32_t home_row = 7;  ///< row of the pieces at the start
-    static constexpr std::int32_t last_row = 0;  ///< row on which pawns promote
+    static constexpr std::int32_t home_row = 7;     ///< row of the pieces at the start
+    static constexpr std::int32_t last_row = 0;     ///< row on which pawns promote
+    static constexpr std::int32_t seventh_row = 1;  ///< row from which they do
 
     /// Whether a pawn on `square` stands on its second rank.
     static constexpr bool on_second_rank(Square square) { return square >= a2; }
@@ -87,6 +88,7 @@ struct SideTraits<black> {
 
     static constexpr std::int32_t home_row = 0;
     static constexpr std::int32_t last_row = 7;
+    static constexpr std::int32_t seventh_row = 6;
 
     static constexpr bool on_second_rank(Square square) { return square < h7 + 1; }
     static constexpr bool on_seventh_rank(Square square) { return square >= a2; }

@@ -37,8 +37,9 @@ constexpr Square own_square(Square white_square) {
     return S == white ? white_square : white_square + second_to_seventh;
 }
 
-/// Whether own bishops fill all four squares diagonally beside the centre. Four bishops hardly ever
-/// meet there: an empty centre costs its five points in any practical position.
+/// Whether own bishops fill all four squares diagonally beside the centre.
+/// Intended(four-bishops-for-a-pawn): they alone make up for an empty centre. Four bishops hardly
+/// ever meet there: an empty centre costs its five points in any practical position.
 template <Side S>
 bool four_bishops_around(const Table& table, Square centre) {
     constexpr PieceCode bishop = SideTraits<S>::bishop;

@@ -90,7 +90,7 @@ std::optional<std::int32_t> queen_against_pawn(const Table& table, const SideCou
     const Square square = take_first_square(pawn);
     const std::int32_t file = file_of[at_square(square)];
     const bool drawing_file = file == 1 || file == 3 || file == 6 || file == 8;  // a, c, f, h
-    if (drawing_file && Enemy::on_seventh_rank(square)) {
+    if (drawing_file && row_of[at_square(square)] == Enemy::seventh_row) {
         return std::nullopt;
     }
     return queen_against_pawn_bonus;

@@ -25,8 +25,9 @@ std::size_t file_index(Square square) {
     return static_cast<std::size_t>(file_of[at_square(square)]);
 }
 
-/// A bishop deep in the enemy's corner with an enemy pawn across its way back. The first pattern
-/// that applies counts alone, Black's bishops before White's.
+/// A bishop deep in the enemy's corner with an enemy pawn across its way back.
+/// Intended(first-trapped-bishop): the first pattern that applies counts alone, Black's bishops
+/// before White's.
 std::int32_t trapped_bishops(const Table& table) {
     if (table.at(h2) == b_bishop && table.at(g3) == w_pawn) {
         return trapped_bishop;
@@ -43,7 +44,8 @@ std::int32_t trapped_bishops(const Table& table) {
     return 0;
 }
 
-/// A rook between its own king and the corner, on the king's side only. A positive number.
+/// A rook between its own king and the corner. A positive number.
+/// Intended(rook-shut-in-king-side): a rook shut in on the queen's side costs nothing.
 template <Side S>
 std::int32_t rook_shut_in_penalty(const Table& table) {
     using Own = SideTraits<S>;
@@ -130,14 +132,13 @@ template <Side S>
 std::int32_t rooks(const Table& table, const PawnEntry& entry) {
     using Own = EvalSide<S>;
     using Enemy = SideTraits<Own::enemy>;
-    constexpr std::int32_t seventh_row = Own::last_row - (Own::forward > 0 ? 1 : -1);
     const bool king_on_last_row = row_of[at_square(table.*Enemy::king_square)] == Own::last_row;
     std::int32_t sum = 0;
     for (Bitboard men = table.*Own::rooks; men != 0;) {
         const Square square = take_first_square(men);
         sum += Own::pst_rook[at_square(square)] +
                open_file_bonus<S>(entry, file_index(square), rook_half_open_file);
-        if (rank_of[at_square(square)] == seventh_row && king_on_last_row) {
+        if (rank_of[at_square(square)] == Own::seventh_row && king_on_last_row) {
             sum += rook_on_seventh;
         }
     }

@@ -5,7 +5,6 @@
 #include "search/tree.h"
 
 #include <limits>
-#include <optional>
 
 #include "board/geometry.h"
 #include "board/side_traits.h"
@@ -57,17 +56,19 @@ class LazyScore {
         : position_(position), alpha_(alpha), beta_(beta) {}
 
     std::int32_t operator()() {
-        if (!score_) {
+        if (!known_) {
             score_ = Table::evaluate(position_, alpha_, beta_);
+            known_ = true;
         }
-        return *score_;
+        return score_;
     }
 
   private:
     const Table& position_;
     std::int32_t alpha_;
     std::int32_t beta_;
-    std::optional<std::int32_t> score_;
+    std::int32_t score_ = 0;
+    bool known_ = false;
 };
 
 /// Near the horizon a quiet position that stands well above beta is not searched.

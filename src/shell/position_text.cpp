@@ -34,9 +34,8 @@ namespace {
 template <Side S>
 std::string_view promotion_letter(Square from, Square to, PieceCode info) {
     using Own = SideTraits<S>;
-    constexpr std::int32_t seventh_row = Own::last_row + (S == white ? 1 : -1);
     const bool promotes = file_of[at_square(from)] % 9 != 0 && file_of[at_square(to)] % 9 != 0 &&
-                          row_of[at_square(from)] == seventh_row &&
+                          row_of[at_square(from)] == Own::seventh_row &&
                           row_of[at_square(to)] == Own::last_row;
     if (!promotes) {
         return {};
