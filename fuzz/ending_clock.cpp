@@ -8,16 +8,22 @@
 namespace {
 
 std::uint32_t readings = 0;
+std::uint32_t start_seen = 0;
 
 }  // namespace
 
 std::uint32_t GetTickCount() {
     constexpr std::uint32_t readings_of_a_search = 3000;
+    if (search_start_tick != start_seen) {
+        start_seen = search_start_tick;
+        readings = 0;
+    }
     ++readings;
-    return readings % readings_of_a_search == 0 ? search_start_tick + time_limit_ms
-                                                : search_start_tick;
+    // Once the time is up it stays up, as time does: quiescence has no other reason to return.
+    return readings > readings_of_a_search ? search_start_tick + time_limit_ms : search_start_tick;
 }
 
 void reset_ending_clock() {
     readings = 0;
+    start_seen = search_start_tick;
 }
