@@ -482,7 +482,8 @@ int ReferenceSearch::quiesce(Table& position, int alpha, int beta) {
 std::string ReferenceSearch::line() const {
     std::string text;
     for (int i = 0; i < lengths[0]; ++i) {
-        text += (text.empty() ? "" : " ") + text_of(lines[0][at(i)]);
+        text += text.empty() ? "" : " ";
+        text += text_of(lines[0][at(i)]);
     }
     return text;
 }

@@ -18,6 +18,7 @@ constexpr const char* stalemated = "k7/8/1Q6/8/8/8/8/K7 b - -";
 
 // White's first generated moves are those of the pawn.
 constexpr const char* first_of_pawn_ending = "a2a4";
+constexpr const char* first_move_line = "move a2a4 ";
 
 class ComputerMoveClaims : public ComputerMoveScene {};
 
@@ -38,9 +39,7 @@ TEST_F(ComputerMoveClaims, RepetitionIsClaimedBeforeTheMoveLine) {
     stood_in_game(after(table, {first_of_pawn_ending}), 2);
     no_time();
     engine.fifty_count = 100;
-    EXPECT_EQ(play(),
-              (std::vector<std::string>{"1/2-1/2 {Draw by repetition}",
-                                        std::string("move ") + first_of_pawn_ending + " "}));
+    EXPECT_EQ(play(), (std::vector<std::string>{"1/2-1/2 {Draw by repetition}", first_move_line}));
 }
 
 TEST_F(ComputerMoveClaims, PositionThatStoodOnceBeforeIsNotClaimed) {

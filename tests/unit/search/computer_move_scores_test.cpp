@@ -66,6 +66,26 @@ TEST_F(ComputerMoveScores, ResignationKeepsThePreviousScore) {
     EXPECT_EQ(std::ranges::count(play_with_zeros(3), warning), 1);
 }
 
+TEST_F(ComputerMoveScores, ScoreThatWarnedIsThePreviousOneAfterAResignation) {
+    // Depth 3 scores a queen behind, depth 4 sees the mate, warns and resigns.
+    constexpr const char* mated_in_three = "5k2/1Q6/6K1/8/8/8/8/8 b - -";
+    play_with_score(-21905);
+    set(mated_in_three);
+    engine.resign_on = true;
+    engine.max_depth = 5;
+    std::vector<std::string> lines = play();
+    ASSERT_GE(lines.size(), 3U);
+    EXPECT_EQ(lines[lines.size() - 3], warning);
+    EXPECT_TRUE(lines[lines.size() - 2].starts_with("4 -599996 "));
+    EXPECT_EQ(last_of(lines), "resign");
+    hash_clear();
+    set(mated_in_three);
+    engine.max_depth = 3;
+    lines = play();
+    EXPECT_EQ(std::ranges::count(lines, warning), 1);
+    EXPECT_TRUE(lines[lines.size() - 2].starts_with("3 -21905 "));
+}
+
 TEST_F(ComputerMoveScores, WithoutResigningALostGameIsPlayedOn) {
     for (const std::int32_t score : {-50001, -599990}) {
         set(pawn_ending);

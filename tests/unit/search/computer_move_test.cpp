@@ -29,6 +29,7 @@ constexpr const char* stalemated = "k7/8/1Q6/8/8/8/8/K7 b - -";
 
 // White's first generated moves are those of the pawn.
 constexpr const char* first_of_pawn_ending = "a2a4";
+constexpr const char* first_move_line = "move a2a4 ";
 
 class ComputerMove : public ComputerMoveScene {};
 
@@ -72,8 +73,7 @@ TEST_F(ComputerMove, ThinkingLineIsDepthScoreHundredthsNodesAndLine) {
     engine.max_depth = 1;
     fake_ticks = 500;
     const std::vector<std::string> lines = play();
-    EXPECT_EQ(lines[0], std::string("1 4242 0 ") + std::to_string(TotalNodes) + " " +
-                            first_of_pawn_ending + " ");
+    EXPECT_EQ(lines[0], "1 4242 0 " + std::to_string(TotalNodes) + " a2a4 ");
 }
 
 TEST_F(ComputerMove, DepthOfOneIsOneIterationHoweverMuchTimeThereIs) {
@@ -88,8 +88,7 @@ TEST_F(ComputerMove, DepthOfZeroOrLessPlaysTheFirstMoveWithoutASearch) {
         begin_scene();
         set(pawn_ending);
         engine.max_depth = depth;
-        EXPECT_EQ(play(),
-                  std::vector<std::string>{std::string("move ") + first_of_pawn_ending + " "});
+        EXPECT_EQ(play(), std::vector<std::string>{first_move_line});
         EXPECT_EQ(TotalNodes, 0U);
     }
 }
@@ -97,7 +96,7 @@ TEST_F(ComputerMove, DepthOfZeroOrLessPlaysTheFirstMoveWithoutASearch) {
 TEST_F(ComputerMove, NoTimePlaysTheFirstMoveAtOnce) {
     set(pawn_ending);
     no_time();
-    EXPECT_EQ(play(), std::vector<std::string>{std::string("move ") + first_of_pawn_ending + " "});
+    EXPECT_EQ(play(), std::vector<std::string>{first_move_line});
     EXPECT_EQ(TotalNodes, 1U);
     EXPECT_EQ(fake_clock_readings, 3U);  // start, entry of the root search, end
 }

@@ -65,6 +65,12 @@ TEST_F(Quiesce, CaptureAtOrAboveBetaReturnsExactlyBeta) {
     EXPECT_EQ(TotalNodes, 2U);
 }
 
+TEST_F(Quiesce, CaptureThatMatesStillReturnsBeta) {
+    const std::int32_t stand_pat = set("r5k1/5ppp/8/8/8/8/8/R6K w - -");
+    EXPECT_EQ(quiesce(stand_pat, stand_pat + 100), stand_pat + 100);
+    EXPECT_EQ(quiesce(), 599999);
+}
+
 TEST_F(Quiesce, CaptureInsideTheWindowIsTheScoreAndTheLine) {
     set(hanging_queen);
     ply = 5;
