@@ -2,14 +2,17 @@
 // What the computer does about its scores: it resigns, or takes more time over a surprise.
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "search/computer_move.h"
 #include "search/hash_table.h"
 #include "search/search_state.h"
+#include "shell/command_loop.h"
 #include "shell/engine_state.h"
 #include "shell/game_record.h"
+#include "support/captured_output.h"
 #include "support/computer_move_scene.h"
 #include "support/position.h"
 #include "support/search_scene.h"
@@ -53,6 +56,19 @@ TEST_F(ComputerMoveScores, ScoreBelowMinus50000Resigns) {
     EXPECT_EQ(game_top, -1);
     EXPECT_EQ(engine.make_moves_game, 0);
     EXPECT_TRUE(engine.hint_valid);
+}
+
+TEST_F(ComputerMoveScores, LoopTurnsTheSideAfterAResignation) {
+    set(pawn_ending);
+    plant(-50001);
+    engine.resign_on = true;
+    const Table before = table;
+    std::istringstream words("go");
+    const CapturedOutput output;
+    run_command_loop(words, table);
+    EXPECT_TRUE(output.text().ends_with("resign\n"));
+    EXPECT_EQ(table.side, black);
+    EXPECT_EQ(table.Array, before.Array);
 }
 
 TEST_F(ComputerMoveScores, ResignationKeepsThePreviousScore) {
