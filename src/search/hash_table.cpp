@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr std::int32_t usual_hash_mb = 16;
 constexpr std::uint64_t bytes_a_megabyte = 1048576;
 constexpr std::uint64_t spare_entries = 10;
 constexpr std::int32_t most_megabytes = 65535;  // entries are counted in 32 bits

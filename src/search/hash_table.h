@@ -25,6 +25,9 @@ struct HashEntry {
 };
 static_assert(sizeof(HashEntry) == 16);
 
+/// Size unless the configuration asks for another, megabytes.
+inline constexpr std::int32_t usual_hash_mb = 16;
+
 extern HashEntry* hash_table;
 extern std::uint32_t hash_entries;  ///< slots in use
 extern std::int32_t hash_mb;        ///< size asked for, megabytes

@@ -16,7 +16,6 @@
 namespace {
 
 constexpr const char* config_name = "corvane.ini";
-constexpr std::int32_t usual_hash_mb = 16;
 
 /// Whether the value is "on"; every other word, or none, means off.
 bool value_is_on(WordReader& in) {
