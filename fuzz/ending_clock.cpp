@@ -23,6 +23,10 @@ std::uint32_t GetTickCount() {
     return readings > readings_of_a_search ? search_start_tick + time_limit_ms : search_start_tick;
 }
 
+std::uint32_t calendar_seconds() {
+    return 0;
+}
+
 void reset_ending_clock() {
     readings = 0;
     start_seen = search_start_tick;

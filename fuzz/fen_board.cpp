@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         table.side = data[0] & 1;
         table.castling = (data[0] >> 1) & all_rights;
     }
-    read_fen_board(std::string(data, data + size), table);
+    read_fen_board(std::string(data, data + size), table, FenView::as_written);
     engine.max_depth = 2;
     table.Mashine_chod();
     return 0;

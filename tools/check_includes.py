@@ -24,7 +24,8 @@ STRATA = [
          "board/generate", "board/generate_*", "board/perft", "board/perft_suite"]),
     (4, ["eval/*", "tb/*", "book/book_lines", "book/book_move"]),
     (5, ["search/*"]),
-    (6, ["drivers/*", "book/pgn_words", "book/book_builder", "book/short_algebraic"]),
+    (6, ["drivers/*", "book/pgn_words", "book/book_builder", "book/short_algebraic",
+         "book/book_files", "book/build_progress"]),
     (7, ["shell/config", "shell/edit_command", "shell/move_input", "shell/commands",
          "shell/command_handlers", "shell/command_loop", "shell/start_up", "shell/main"]),
 ]

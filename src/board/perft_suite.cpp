@@ -33,7 +33,7 @@ Table perft_position(std::string_view line) {
     const std::size_t blank = fields.find(' ');
     Table table;
     clear_position(table);
-    read_fen_board(fields, table);
+    read_fen_board(fields, table, FenView::as_written);
     table.Kol_figur = 0;
     if (blank != std::string_view::npos) {
         for (const char character : fields.substr(blank)) {
@@ -58,9 +58,7 @@ void perft_test(const std::string& file_name, std::int32_t flag) {
         return;
     }
     std::string line;
-    bool more = true;
-    while (more) {
-        more = file.next_line(line);
+    while (file.next_line(line)) {
         if (line.size() >= shortest_line) {
             perft_line(line, flag);
         }

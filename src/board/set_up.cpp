@@ -22,14 +22,13 @@ void clear_position(Table& table) {
     table.pawn_hash = 0;
 }
 
-void set_start_position(Table& table) {
+void place_start_position(Table& table) {
     constexpr std::int32_t men_at_start = 32;
     clear_position(table);
     table.side = white;
     table.Array = start_board;
     table.xywK = e1;
     table.xybK = e8;
-    game_reset();
     table.Kol_figur = men_at_start;
     table.castling = all_rights;
     // Intended(start-keys-of-kings): the keys are taken before the bitboards are filled, so they
@@ -42,4 +41,9 @@ void set_start_position(Table& table) {
             table.*bitboard |= mask_of(square);
         }
     }
+}
+
+void set_start_position(Table& table) {
+    place_start_position(table);
+    game_reset();
 }

@@ -8,6 +8,9 @@
 /// The king squares, `side`, `ep_square` and `capture_flag` stay as they were.
 void clear_position(Table& table);
 
-/// Sets up the starting position and empties the game record. The keys come out as told at the
-/// definition: they are not yet those of the position.
+/// Sets up the starting position on a board that has no part in the game. The keys come out as told
+/// at the definition: they are not yet those of the position.
+void place_start_position(Table& table);
+
+/// The same for the game's own board, and empties the game record.
 void set_start_position(Table& table);

@@ -74,6 +74,11 @@ inline constexpr std::uint32_t right_black_long  = 8;
 inline constexpr std::uint32_t all_rights        = 15;
 // clang-format on
 
+/// Whether a mailbox entry is a pawn of either colour.
+[[nodiscard]] constexpr bool is_pawn(PieceCode code) {
+    return code == w_pawn || code == b_pawn;
+}
+
 /// The white bit of a mailbox entry: non-zero for a white man, 0 for all else, off the board too.
 [[nodiscard]] constexpr PieceCode w_figure(PieceCode code) {
     return code & white_bit;

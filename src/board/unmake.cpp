@@ -52,14 +52,14 @@ void take_back_capture(Table& table, const UndoRecord& undo) {
     take_back_plain(table, undo);
     ++table.Kol_figur;
     const PieceCode mover = table.at(undo.posFrom);
-    if (undo.en_passant != 0 && (mover == w_pawn || mover == b_pawn)) {
+    if (undo.en_passant != 0 && is_pawn(mover)) {
         const Square forward =
             mover == w_pawn ? SideTraits<white>::forward : SideTraits<black>::forward;
         return_captured(table, undo.captured, undo.posTo - forward);
     } else {
         return_captured(table, undo.captured, undo.posTo);
     }
-    if (undo.captured == w_pawn || undo.captured == b_pawn) {
+    if (is_pawn(undo.captured)) {
         table.pawn_hash = undo.pawn_hash;
     }
 }

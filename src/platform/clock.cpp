@@ -29,3 +29,7 @@ std::uint32_t GetTickCount() {
 #endif
     return static_cast<std::uint32_t>(ms);
 }
+
+std::uint32_t calendar_seconds() {
+    return static_cast<std::uint32_t>(std::time(nullptr));
+}

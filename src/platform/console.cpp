@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Terminal or interface: the one question is whether standard input is a terminal.
+// Terminal or not is asked of the descriptors themselves.
 #include "platform/console.h"
 
 #include <csignal>
@@ -12,18 +12,24 @@
 
 namespace {
 
-bool input_is_terminal() {
+enum StandardStream { standard_input = 0, standard_error = 2 };
+
+bool is_terminal(StandardStream stream) {
 #if defined(_WIN32)
-    return _isatty(0) != 0;
+    return _isatty(stream) != 0;
 #else
-    return isatty(STDIN_FILENO) != 0;
+    return isatty(stream) != 0;
 #endif
 }
 
 }  // namespace
 
 void ignore_interrupt_of_interfaces() {
-    if (!input_is_terminal()) {
+    if (!is_terminal(standard_input)) {
         std::signal(SIGINT, SIG_IGN);
     }
+}
+
+bool error_output_is_terminal() {
+    return is_terminal(standard_error);
 }

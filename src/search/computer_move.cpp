@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The computer's move: the clock is divided, the search deepens inside an aspiration window, the
-// move is made, stored and announced. Nothing reads the input meanwhile.
+// The computer's move: the opening book is asked; else the clock is divided, the search deepens
+// inside an aspiration window, the move is made, stored and announced. Nothing reads the input
+// meanwhile.
 #include "search/computer_move.h"
 
+#include <array>
 #include <cstdlib>
 #include <string>
 
@@ -10,6 +12,8 @@
 #include "board/generate.h"
 #include "board/make.h"
 #include "board/position_keys.h"
+#include "board/square_tables.h"
+#include "book/book_move.h"
 #include "platform/int32_math.h"
 #include "search/hash_table.h"
 #include "search/move_order.h"
@@ -75,6 +79,61 @@ struct RootWindow {
         }
     }
 };
+
+/// A king's castling move and the label that it is announced with.
+struct CastlingMove {
+    PieceCode king;
+    Square from;
+    Square to;
+    PieceCode label;
+};
+
+constexpr std::array<CastlingMove, 4> castling_moves = {{
+    {w_king, e1, g1, label_white_short},
+    {w_king, e1, c1, label_white_long},
+    {b_king, e8, g8, label_black_short},
+    {b_king, e8, c8, label_black_long},
+}};
+
+/// The label of a king's castling move on `position`; 0 for any other move.
+PieceCode castling_label(const Table& position, const Move& move) {
+    for (const CastlingMove& castling : castling_moves) {
+        if (move.posFrom == castling.from && move.posTo == castling.to &&
+            position.at(castling.from) == castling.king) {
+            return castling.label;
+        }
+    }
+    return 0;
+}
+
+/// Announces and makes a move of the book.
+void play_book_move(Table& position, const Move& move) {
+    const PieceCode info = castling_label(position, move);
+    ++engine.game_plies;
+    mirror("move ");
+    print_move(move.posFrom, move.posTo, info);
+    mirror(end_line);
+    // Intended(book-move-leaves-no-record): the game record, the count to fifty moves and the clock
+    // are not touched, and the count of moves is not wrapped at the end of a control.
+    make_plain(position, move.posFrom, move.posTo, info);
+    ++engine.make_moves_game;
+    engine.game_line += square_names[at_square(move.posFrom)];
+    engine.game_line += square_names[at_square(move.posTo)];
+}
+
+/// Plays a move of the opening book, unless it is out of use or has none.
+bool book_has_played(Table& position) {
+    if (engine.book_out) {
+        return false;
+    }
+    const Move move = BookMove();
+    if (engine.book_out) {
+        log_info("OPEN BOOK DO NOT", end_line);
+        return false;
+    }
+    play_book_move(position, move);
+    return true;
+}
 
 /// How the deepening ended.
 struct SearchResult {
@@ -232,13 +291,12 @@ void reset_computer_move() {
 void Table::Mashine_chod() {
     strange_armed = true;
     engine.root_side = side;
-
-    // Here the opening book will be asked, unless engine.book_out is set; a book move ends the
-    // call.
-
+    if (book_has_played(*this)) {
+        return;
+    }
     start_search(*this);
     MoveList list;
-    list.move(1) = Move{};  // what is announced when there is no move at all
+    list.move(1) = Move{};  // what is announced when there is not even a move to try
     prepare_root(*this, list);
     const SearchResult result = deepen(*this, list);
     if (result.resigned) {

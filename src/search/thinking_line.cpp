@@ -8,7 +8,10 @@
 
 void print_thinking_line(std::int32_t score) {
     constexpr std::uint32_t ms_per_hundredth = 10;
-    const std::uint32_t elapsed = (GetTickCount() - search_start_tick) / ms_per_hundredth;
+    print_iteration(score, (GetTickCount() - search_start_tick) / ms_per_hundredth);
+}
+
+void print_iteration(std::int32_t score, std::uint32_t elapsed) {
     mirror(iteration_depth, " ", score, " ", elapsed, " ", TotalNodes, " ");
     for (std::int32_t i = 0; i < line_length(0) && i < line_rows; ++i) {
         const Move& move = vetka[0][line_slot(i)];

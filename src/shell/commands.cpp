@@ -11,6 +11,10 @@
 #include "board/perft.h"
 #include "board/perft_suite.h"
 #include "board/set_up.h"
+#include "book/book_builder.h"
+#include "book/book_move.h"
+#include "drivers/epd_test.h"
+#include "drivers/eval_test.h"
 #include "platform/int32_math.h"
 #include "search/computer_move.h"
 #include "search/hash_table.h"
@@ -47,6 +51,28 @@ void new_game(const CommandContext& context) {
     engine.game_line.clear();
     hash_clear();
     forget_previous_score();
+}
+
+void run_epd_test(const CommandContext& context) {
+    const auto file_name = context.in.word();
+    if (!file_name) {
+        return;
+    }
+    if (const auto seconds = context.in.integer()) {
+        epd_test(*seconds, *file_name);
+    }
+}
+
+void run_eval_test(const CommandContext& context) {
+    if (const auto file_name = context.in.word()) {
+        eval_test(*file_name, eval_test_static);
+    }
+}
+
+void run_quiescence_test(const CommandContext& context) {
+    if (const auto file_name = context.in.word()) {
+        eval_test(*file_name, eval_test_quiescence);
+    }
 }
 
 void run_perft_test(const CommandContext& context) {
@@ -86,6 +112,7 @@ void hint(const CommandContext& /*context*/) {
         print_move(engine.hint_move.posFrom, engine.hint_move.posTo, engine.hint_move.posInfo);
         mirror(end_line);
     }
+    BookHint();
 }
 
 void show_table(const CommandContext& context) {
@@ -145,6 +172,12 @@ void result(const CommandContext& context) {
     }
 }
 
+void create_book(const CommandContext& context) {
+    if (const auto file_name = context.in.word()) {
+        createbook(*file_name);
+    }
+}
+
 void level(const CommandContext& context) {
     constexpr std::int32_t most_moves = 200;
     const auto moves = context.in.integer();
@@ -190,14 +223,18 @@ struct Command {
     void (*run)(const CommandContext&);
 };
 
-constexpr std::array<Command, 27> commands = {{
+constexpr std::array<Command, 32> commands = {{
     {"xboard", do_nothing},
     {"accepted", do_nothing},
     {"post", do_nothing},
     {"done", do_nothing},
     {"myname", do_nothing},
     {"new", new_game},
+    {"epdtest", run_epd_test},
+    {"test", run_epd_test},
     {"perfttest", run_perft_test},
+    {"evaltest", run_eval_test},
+    {"qevaltest", run_quiescence_test},
     {"edit", edit},
     {"hard", do_nothing},
     {"protover", protover},
@@ -212,6 +249,7 @@ constexpr std::array<Command, 27> commands = {{
     {"time", set_time},
     {"otim", otim},
     {"result", result},
+    {"createbook", create_book},
     {"level", level},
     {"all_moves", all_moves},
     {"strong", strong},

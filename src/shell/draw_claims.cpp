@@ -56,7 +56,7 @@ bool material_is_insufficient(const Table& table, Square first_entry) {
 
 void count_fifty(const Table& table, Square from, Square to) {
     const PieceCode mover = table.at(from);
-    if (mover == w_pawn || mover == b_pawn || table.at(to) != empty_square) {
+    if (is_pawn(mover) || table.at(to) != empty_square) {
         engine.fifty_count = 0;
     } else {
         ++engine.fifty_count;

@@ -9,9 +9,10 @@
 
 namespace {
 
-/// Where the walk stops counting: past every mailbox entry.
+/// Where the walk stops counting: past every mailbox entry, or so far above that no column leads
+/// back.
 constexpr Square past_mailbox = static_cast<Square>(mailbox_size);
-constexpr Square next_row = 10;
+constexpr Square above_mailbox = -past_mailbox - 1;
 
 PieceCode man_of_letter(char letter) {
     switch (letter) {
@@ -31,17 +32,29 @@ PieceCode man_of_letter(char letter) {
     }
 }
 
+/// The letter of the same man of the other colour.
+char other_colour(char letter) {
+    constexpr char case_bit = 'a' - 'A';
+    return static_cast<char>(letter ^ case_bit);
+}
+
+PieceCode man_in_view(char letter, FenView view) {
+    return man_of_letter(view == FenView::mirrored ? other_colour(letter) : letter);
+}
+
 }  // namespace
 
-FenBoardCursor::FenBoardCursor(Table& table) : table_(table), row_base_(a8) {}
+FenBoardCursor::FenBoardCursor(Table& table, FenView view)
+    : table_(table), view_(view), row_base_(view == FenView::mirrored ? a1 : a8) {}
 
 void FenBoardCursor::take(char character) {
     if (character == '/') {
-        row_base_ = std::min(row_base_ + next_row, past_mailbox);
+        const Square next_row = view_ == FenView::mirrored ? step_up : step_down;
+        row_base_ = std::clamp(row_base_ + next_row, above_mailbox, past_mailbox);
         column_ = 0;
     } else if (character >= '1' && character <= '8') {
         column_ = std::min(column_ + (character - '0'), past_mailbox);
-    } else if (const PieceCode man = man_of_letter(character); man != off_board) {
+    } else if (const PieceCode man = man_in_view(character, view_); man != off_board) {
         place(man);
         column_ = std::min(column_ + 1, past_mailbox);
     }
@@ -49,7 +62,7 @@ void FenBoardCursor::take(char character) {
 
 void FenBoardCursor::place(PieceCode code) {
     const Square square = row_base_ + column_;
-    if (square >= past_mailbox) {
+    if (square < 0 || square >= past_mailbox) {
         return;
     }
     table_.at(square) = code;
@@ -63,8 +76,8 @@ void FenBoardCursor::place(PieceCode code) {
     }
 }
 
-void read_fen_board(std::string_view text, Table& table) {
-    FenBoardCursor cursor(table);
+void read_fen_board(std::string_view text, Table& table, FenView view) {
+    FenBoardCursor cursor(table, view);
     for (const char character : text.substr(0, text.find(' '))) {
         cursor.take(character);
     }

@@ -82,6 +82,14 @@ Square square_of_text(std::string_view text) {
     return found == square_names.end() ? 0 : static_cast<Square>(found - square_names.begin());
 }
 
+bool is_on_file(Square square, char letter) {
+    return square_names[at_square(square)].front() == letter;
+}
+
+bool is_on_rank(Square square, char digit) {
+    return square_names[at_square(square)].back() == digit;
+}
+
 void print_move(Square from, Square to, PieceCode info) {
     mirror(square_names[at_square(from)], square_names[at_square(to)]);
     mirror(promotion_letter<white>(from, to, info), promotion_letter<black>(from, to, info), " ");

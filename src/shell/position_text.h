@@ -12,6 +12,12 @@ extern const Mailbox<std::string_view> square_names;
 /// The first index whose name is `text`, case included; 0, which is off the board, if none is.
 [[nodiscard]] Square square_of_text(std::string_view text);
 
+/// Whether the name of a square begins with this letter: 'a' to 'h'.
+[[nodiscard]] bool is_on_file(Square square, char letter);
+
+/// Whether the name of a square ends in this digit: '1' to '8'.
+[[nodiscard]] bool is_on_rank(Square square, char digit);
+
 /// Prints a move, mirrored: the two squares, the letter of a promotion, and one blank always.
 void print_move(Square from, Square to, PieceCode info);
 

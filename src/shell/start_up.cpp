@@ -3,7 +3,10 @@
 #include "shell/start_up.h"
 
 #include "board/set_up.h"
+#include "book/book_lines.h"
 #include "eval/pawn_cache.h"
+#include "platform/clock.h"
+#include "platform/random.h"
 #include "search/computer_move.h"
 #include "search/hash_table.h"
 #include "search/move_order.h"
@@ -23,6 +26,7 @@ void print_banner() {
 }  // namespace
 
 void start_up(Table& table) {
+    seed_random(calendar_seconds());
     read_config();
     open_log();
     print_banner();
@@ -31,7 +35,7 @@ void start_up(Table& table) {
     hash_allocate();
     hash_clear();
     forget_previous_score();
-    // Here the opening book will be loaded.
+    LoadBooks();
     engine.game_line.clear();
     history_reset();
     set_start_position(table);

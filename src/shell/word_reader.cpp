@@ -12,11 +12,6 @@ namespace {
 
 using Traits = std::istream::traits_type;
 
-/// White space of the classic locale.
-bool is_blank(int character) {
-    return character == ' ' || (character >= '\t' && character <= '\r');
-}
-
 char lower(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
 }
@@ -53,14 +48,14 @@ std::optional<std::int32_t> WordReader::integer() {
 
 std::optional<std::string> WordReader::read_word() {
     int next = stream_.get();
-    while (next != Traits::eof() && is_blank(next)) {
+    while (next != Traits::eof() && is_white_space(next)) {
         next = stream_.get();
     }
     if (next == Traits::eof()) {
         return std::nullopt;
     }
     std::string text;
-    while (next != Traits::eof() && !is_blank(next)) {
+    while (next != Traits::eof() && !is_white_space(next)) {
         if (text.size() < max_word) {
             text.push_back(static_cast<char>(next));
         }

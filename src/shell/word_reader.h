@@ -33,5 +33,10 @@ class WordReader {
     std::optional<std::string> waiting_;  ///< a word, or its rest, that was put back
 };
 
+/// White space of the classic locale: what stands between words.
+[[nodiscard]] constexpr bool is_white_space(int character) {
+    return character == ' ' || (character >= '\t' && character <= '\r');
+}
+
 /// Whether two words are equal but for the case of ASCII letters.
 [[nodiscard]] bool equal_caseless(std::string_view a, std::string_view b);

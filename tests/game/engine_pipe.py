@@ -17,6 +17,7 @@ from outside_chess import MOVE_TEXT
 GREETING = "protover 2"
 GREETING_ENDS = "feature done=1"
 THINKING = re.compile(r"(\d+ -?\d+) \d+ (\d+ (?:[a-h][1-8][a-h][1-8][qrbn]? )*)")
+CANDIDATE = re.compile(r"\d+ [a-h][1-8][a-h][1-8] \d+ ")
 CLAIM = re.compile(r"(?:1/2-1/2|1-0|0-1) \{.*\}")
 TAIL_LINES = 40
 
@@ -30,6 +31,8 @@ def kind_of(line):
         return "move"
     if THINKING.fullmatch(line):
         return "thinking"
+    if CANDIDATE.fullmatch(line):
+        return "candidate"
     return "claim" if CLAIM.match(line) else "other"
 
 

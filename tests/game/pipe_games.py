@@ -4,9 +4,10 @@
 
 Every announced move has to be legal and every draw claim true, by the word of an outside engine.
 Interrupt signals between the moves must pass unnoticed, and the same words must bring the same
-answers, thinking lines and all.
+answers, thinking lines and all. With an opening book, which draws its moves by chance, nothing is
+played again; instead book moves have to be seen.
 
-    pipe_games.py <program> [--games N] [--seed N] [--keep DIR] [--patience SECONDS]
+    pipe_games.py <program> [--games N] [--seed N] [--book DIR] [--keep DIR] [--patience SECONDS]
 """
 
 import argparse
@@ -83,6 +84,7 @@ class Match:
         self.endings = collections.Counter()
         self.claims = collections.Counter()
         self.moves_checked = 0
+        self.book_moves = 0
         self.exchange = []     # of the game that is being played: what was sent, what came back
         self.exchanges = []    # of all games
 
@@ -118,6 +120,11 @@ class Match:
         if not game.play(move):
             raise EngineFault(f"illegal move {move}; after {game}")
         self.moves_checked += 1
+        candidates = [line.split()[1] for line in answer.of("candidate")]
+        if candidates:
+            self.book_moves += 1
+            if move not in candidates or answer.of("thinking"):
+                raise EngineFault(f"a book move, and yet {answer.lines}; after {game}")
 
     @staticmethod
     def claims_of_own_move(game):
@@ -246,7 +253,7 @@ class Match:
         return len(self.exchanges[number])
 
 
-def run(match, games):
+def run(match, games, with_book):
     """All of it but the end of the process; one line that says what was seen."""
     started = time.monotonic()
     banner = match.engine.ask("xboard").lines
@@ -257,16 +264,20 @@ def run(match, games):
     natural = sum(count for claim, count in match.claims.items() if REPETITION in claim)
     match.repeat_under_force()
     match.fifty_under_force()
-    shallow = [number for number in range(games) if plan_game(number).depth <= REPLAY_DEPTH]
+    shallow = [number for number in range(games)
+               if plan_game(number).depth <= REPLAY_DEPTH and not with_book]
     replayed = [match.replay(number) for number in shallow[::REPLAY_EVERY]]
     played = sum(match.endings.values())
     claims = ", ".join(f"{count} {claim}" for claim, count in sorted(match.claims.items()))
     endings = ", ".join(f"{count} {end}" for end, count in sorted(match.endings.items()))
     if played != games:
         raise EngineFault(f"{played} games instead of {games}")
+    if with_book != (match.book_moves > 0):
+        raise EngineFault(f"{match.book_moves} moves of the opening book")
     if games >= GAMES and natural == 0:
         raise EngineFault("no claim of a repetition in any of the games")
-    return (f"pipe_games: {played} games ({endings}), {match.moves_checked} moves checked; "
+    return (f"pipe_games: {played} games ({endings}), {match.moves_checked} moves checked, "
+            f"{match.book_moves} of the book; "
             f"claims: {claims}; {len(replayed)} games again with {sum(replayed)} equal answers; "
             f"{time.monotonic() - started:.0f} s")
 
@@ -288,7 +299,7 @@ def check_program(options, logs, folder):
             EnginePipe(options.program, folder, logs, options.patience) as engine:
         match = Match(engine, outside, options.seed)
         try:
-            summary = run(match, options.games)
+            summary = run(match, options.games, options.book is not None)
             check_end(engine)
         except (EngineFault, OutsideFault) as fault:
             engine.note(f"FAILED: {fault}")
@@ -306,6 +317,7 @@ def parse_options():
     parser.add_argument("program", type=Path)
     parser.add_argument("--games", type=int, default=GAMES, help="fewer for a slow build")
     parser.add_argument("--seed", type=int, default=20, help="of the random opponent")
+    parser.add_argument("--book", type=Path, help="folder of an opening book")
     parser.add_argument("--keep", type=Path, default=os.environ.get("CORVANE_GAME_LOGS"),
                         help="folder for transcripts (or the variable CORVANE_GAME_LOGS)")
     parser.add_argument("--patience", type=float, default=60.0,
@@ -318,9 +330,12 @@ def parse_options():
 def main():
     options = parse_options()
     logs = Path(options.keep or tempfile.mkdtemp(prefix="corvane-games-")).resolve()
-    logs = logs / "pipe_games"
+    logs = logs / ("pipe_book" if options.book else "pipe_games")
     logs.mkdir(parents=True, exist_ok=True)
     with tempfile.TemporaryDirectory(prefix="corvane-play-") as folder:
+        if options.book:
+            for name in ("cwhite", "cblack"):
+                shutil.copy(options.book / name, folder)
         status = check_program(options, logs, folder)
     if status == 0 and not options.keep:
         shutil.rmtree(logs.parent)

@@ -27,6 +27,10 @@ PAUSE_BETWEEN_GAMES_MS = 500
 # The move that a last claim was made with comes behind it; `quit` brings a termination signal.
 PAUSE_BEFORE_QUIT_MS = 500
 
+# The opening book that ships with the engine. Without it the engine's start says that a book was
+# not found, and xboard listens no more.
+BOOK = Path(__file__).resolve().parents[2] / "data" / "book"
+
 # Between xboard and the engine: keeps the engine's standard error, and sets the interrupt signal
 # to its default action. A test that was started in the background has it ignored, and an ignored
 # signal stays ignored in every child, which would hide an engine that dies of it.
@@ -115,6 +119,8 @@ class MatchRun:
         """The folder in which the program runs, with its launcher."""
         engine_folder = self.folder / name
         engine_folder.mkdir()
+        for book in ("cwhite", "cblack"):
+            shutil.copy(BOOK / book, engine_folder)
         launcher = engine_folder / "launch"
         launcher.write_text(LAUNCHER.format(python=sys.executable, program=str(program),
                                             errors=str(self.error_file(name))), encoding="utf-8")

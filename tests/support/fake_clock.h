@@ -13,5 +13,8 @@ extern std::uint32_t fake_ticks_per_reading;
 /// Readings so far.
 extern std::uint32_t fake_clock_readings;
 
-/// Clock at 0, standing still.
+/// The calendar time, seconds; 0 at start.
+extern std::uint32_t fake_calendar_seconds;
+
+/// Clock and calendar at 0, standing still.
 void reset_fake_clock();

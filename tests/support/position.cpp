@@ -51,7 +51,7 @@ Table position_from_fen(std::string_view fen) {
     in >> board >> side >> rights >> en_passant;
     Table table;
     clear_position(table);
-    read_fen_board(board, table);
+    read_fen_board(board, table, FenView::as_written);
     table.side = side == "b" ? black : white;
     for (const char right : rights) {
         table.castling |= right == 'K'   ? right_white_short

@@ -4,7 +4,10 @@
 
 #include <sstream>
 
+#include "book/book_lines.h"
+#include "book/book_move.h"
 #include "eval/pawn_cache.h"
+#include "platform/random.h"
 #include "search/computer_move.h"
 #include "search/hash_table.h"
 #include "search/move_order.h"
@@ -17,6 +20,9 @@ void reset_all(int megabytes) {
     reset_log();
     log_enabled = false;
     reset_engine_state();
+    seed_random(0);
+    reset_book_lines();
+    reset_book_move();
     reset_search_state();
     reset_computer_move();
     game_reset();

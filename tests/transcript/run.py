@@ -34,9 +34,11 @@ A TEXT of `@name` alone stands for the lines of fragments/name.txt. In every TEX
     \\s blank, at the end of a line   \\\\ backslash   \\r \\n \\t control characters   \\xHH a byte
     \\c at the end: no line end follows   \\*N{TEXT} the text N times
 
-Times are the only thing that is masked. `<t>` stands for the time in a thinking line, in a perft
-line (together with the speed), and in the log's lines on the clock; a time longer than the run
-itself is not accepted there.
+Times and what is reckoned from them are the only things that are masked. `<t>` stands for the time
+in a thinking line, in a perft line (together with the speed), and in the log's lines on the clock;
+a time longer than the run itself is not accepted there. Thinking lines count hundredths of a
+second, but milliseconds from "Start..." to "move: " in a suite of test positions. `<s>` stands for
+a speed of such a suite, up to a hundred million nodes a second.
 """
 
 import argparse
@@ -54,33 +56,48 @@ sys.dont_write_bytecode = True  # this folder holds nothing that is not under te
 from notation import HERE, LOG, TranscriptError, encoded_lines, parse  # noqa: E402
 
 SHOWN_WIDTH = 200
+HIGHEST_SPEED = 100000  # thousands of nodes a second
 MOVE = r"(?:[a-h][1-8][a-h][1-8][qrbn]? |     )"
 
 
 # --- times --------------------------------------------------------------------------------------
 
 
-def mask(line, run_ms):
-    """The line with its time as <t>, if it is a line with a time and the time is possible."""
+def mask(line, run_ms, in_suite):
+    """The line with its time as <t> or its speed as <s>, if it has one and it is possible."""
     ticks = 2**32
-    for pattern, limit in (
-        (r"^(?P<head>\d+ -?\d+ )(?P<time>\d+)(?P<tail> \d+ %s*)$" % MOVE, run_ms / 10),
-        (r"^(?P<head>\d+ \d+  \d+  time: )(?P<time>\d+)(?: speed \d+)?(?P<tail>)$", run_ms),
-        (r"^(?P<head>>>>>>>> Used time: )(?P<time>\d+)(?P<tail>)$", run_ms),
-        (r"^(?P<head>>>>>>>> Time for analyze: time_begin = )(?P<time>\d+)(?P<tail>)$", ticks),
-        (r"^(?P<head><<<<<<<  UKRALI VREMJA: )(?P<time>-?\d+)(?P<tail>)$", ticks),
+    thinking = run_ms if in_suite else run_ms / 10
+    for pattern, limit, sign in (
+        (r"^(?P<head>\d+ -?\d+ )(?P<time>\d+)(?P<tail> \d+ %s*)$" % MOVE, thinking, "<t>"),
+        (r"^(?P<head>\d+ \d+  \d+  time: )(?P<time>\d+)(?: speed \d+)?(?P<tail>)$", run_ms, "<t>"),
+        (r"^(?P<head>>>>>>>> Used time: )(?P<time>\d+)(?P<tail>)$", run_ms, "<t>"),
+        (
+            r"^(?P<head>>>>>>>> Time for analyze: time_begin = )(?P<time>\d+)(?P<tail>)$",
+            ticks,
+            "<t>",
+        ),
+        (r"^(?P<head><<<<<<<  UKRALI VREMJA: )(?P<time>-?\d+)(?P<tail>)$", ticks, "<t>"),
+        (
+            r"^(?P<head>(?:Ok |Error |Max|Min)?Speed: )(?P<time>\d+)(?P<tail> KNodes/sec)$",
+            HIGHEST_SPEED,
+            "<s>",
+        ),
     ):
         match = re.match(pattern, line)
         if match and int(match["time"]) <= limit:
-            return match["head"] + "<t>" + match["tail"]
+            return match["head"] + sign + match["tail"]
     return line
 
 
 def masked(actual, expected, run_ms):
     """`actual` with times masked on the lines that `expected` does not hold to the digit."""
     known = set(expected.split("\n"))
-    lines = actual.split("\n")
-    return "\n".join(line if line in known else mask(line, run_ms) for line in lines)
+    lines = []
+    in_suite = False
+    for line in actual.split("\n"):
+        in_suite = line == "Start..." or (in_suite and not line.startswith("move: "))
+        lines.append(line if line in known else mask(line, run_ms, in_suite))
+    return "\n".join(lines)
 
 
 def masked_log(actual, held, expected, run_ms):

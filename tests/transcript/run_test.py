@@ -117,6 +117,38 @@ class RunnerTest(unittest.TestCase):
         self.assert_plays("echo '1 20  20  time: 1 speed 20'", transcript)
         self.assert_fails("echo '1 20 20  time: 0'", transcript, "standard output")
 
+    def test_masks_milliseconds_in_a_suite_alone(self):
+        line = "1 0 %d 1 a1a2 "
+        for milliseconds, thinking, in_suite in ((10, True, True), (11, False, True),
+                                                 (100, False, True), (101, False, False)):
+            text = line % milliseconds
+            plain = runner.masked(text, "", 100)
+            self.assertEqual(plain, "1 0 <t> 1 a1a2 " if thinking else text)
+            suite = runner.masked(f"Start...\n{text}\nmove: a1a2 \n{text}", "", 100)
+            first, last = suite.split("\n")[1::2]
+            self.assertEqual(first, "1 0 <t> 1 a1a2 " if in_suite else text)
+            self.assertEqual(last, plain, "the suite's test has ended")
+        self.assertEqual(runner.masked("Start\n1 0 100 1 \n", "", 100), "Start\n1 0 100 1 \n")
+        self.assertEqual(
+            runner.masked("Start...\n1 0 5 1 \n1 0 6 2 ", "1 0 5 1 ", 100),
+            "Start...\n1 0 5 1 \n1 0 <t> 2 ",
+        )
+
+    def test_masks_the_speeds_of_a_suite(self):
+        for head in ("Ok Speed: ", "Error Speed: ", "Speed: ", "MaxSpeed: ", "MinSpeed: "):
+            transcript = f"# speed\nstdout {head}<s> KNodes/sec\nabsent corvane.log\n"
+            for speed in ("0", "2088", "100000"):
+                self.assert_plays(f"echo '{head}{speed} KNodes/sec'", transcript)
+            for speed in ("100001", "-1", "1.5", "", "1 "):
+                self.assert_fails(f"echo '{head}{speed} KNodes/sec'", transcript, "standard output")
+            for line in (f"{head}5 KNodes/sec ", f"{head}5", f"{head}5 Nodes/sec", f"{head}<t>"):
+                self.assert_fails(f"echo '{line}'", transcript, "standard output")
+
+    def test_tells_speeds_apart(self):
+        transcript = "# speed\nstdout Ok Speed: <s> KNodes/sec\nabsent corvane.log\n"
+        for head in ("Error Speed: ", "Speed: ", "OkSpeed: ", "Ok MaxSpeed: "):
+            self.assert_fails(f"echo '{head}5 KNodes/sec'", transcript, "standard output")
+
     def test_masks_only_where_asked(self):
         transcript = "# exact\nstdout <<<<<<<  UKRALI VREMJA: -50\nabsent corvane.log\n"
         self.assert_plays("echo '<<<<<<<  UKRALI VREMJA: -50'", transcript)

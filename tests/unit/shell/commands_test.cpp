@@ -254,7 +254,7 @@ TEST_F(Commands, OtherWordsAreNoCommands) {
     const auto legal = std::make_unique<MoveList>();
     for (const char* word :
          {"ping", "undo", "remove", "setboard", "draw", "name", "rating", "computer", "nopost",
-          "exit", "epdtest", "test", "evaltest", "qevaltest", "createbook", "e2e4", "quit", ""}) {
+          "exit", "epdtests", "tests", "evaltests", "book", "createbooks", "e2e4", "quit", ""}) {
         EXPECT_FALSE(run_command(word, {table_, *legal, in})) << word;
     }
 }

@@ -23,7 +23,7 @@ struct Guarded {
 Table read(std::string_view text) {
     Table table;
     clear_position(table);
-    read_fen_board(text, table);
+    read_fen_board(text, table, FenView::as_written);
     return table;
 }
 
@@ -59,7 +59,7 @@ TEST(FenBoard, LeavesSideRightsAndKeys) {
     table.ep_square = e4;
     table.capture_flag = 1;
     Table expected = table;
-    read_fen_board("8/8/8/8/8/8/8/7N", table);
+    read_fen_board("8/8/8/8/8/8/8/7N", table, FenView::as_written);
     expected.at(h1) = w_knight;
     expected.WKnight = mask_of(h1);
     expected.Kol_figur = 1;
@@ -133,7 +133,7 @@ TEST(FenBoard, NothingIsWrittenBeyondTheMailbox) {
         guarded->after.fill(4711);
         clear_position(guarded->table);
         const Table cleared = guarded->table;
-        read_fen_board(text, guarded->table);
+        read_fen_board(text, guarded->table, FenView::as_written);
         for (std::size_t i = 0; i < guarded->before.size(); ++i) {
             ASSERT_EQ(guarded->before[i], 4711U);
             ASSERT_EQ(guarded->after[i], 4711U);
