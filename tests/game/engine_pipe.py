@@ -16,7 +16,11 @@ from outside_chess import MOVE_TEXT
 
 GREETING = "protover 2"
 GREETING_ENDS = "feature done=1"
-THINKING = re.compile(r"(\d+ -?\d+) \d+ (\d+ (?:[a-h][1-8][a-h][1-8][qrbn]? )*)")
+# A draw by repetition leaves its line's length as an older line set it; cells that this search has
+# not reached yet are then printed as moves without squares, two blanks for each and one behind.
+UNREACHED_CELL = " " * 5
+THINKING = re.compile(
+    rf"(\d+ -?\d+) \d+ (\d+ (?:[a-h][1-8][a-h][1-8][qrbn]? |{UNREACHED_CELL})*)")
 CANDIDATE = re.compile(r"\d+ [a-h][1-8][a-h][1-8] \d+ ")
 CLAIM = re.compile(r"(?:1/2-1/2|1-0|0-1) \{.*\}")
 TAIL_LINES = 40

@@ -59,6 +59,14 @@ TEST_F(ThinkingLine, CountersAreUnsigned) {
     EXPECT_EQ(printed(0), "1 0 429496729 4294967295 \n");
 }
 
+// A draw by repetition keeps the length of an older line, whose cells this search may not have
+// reached: the cells were cleared at its start, the lengths were not.
+TEST_F(ThinkingLine, CellsThatTheSearchHasNotReachedAreFiveBlanks) {
+    vetka[0][0] = {h7, h8, 0};
+    line_length(0) = 3;
+    EXPECT_EQ(printed(0), "1 0 0 0 h7h8 " + std::string(10, ' ') + "\n");
+}
+
 TEST_F(ThinkingLine, PromotionCarriesItsLetter) {
     vetka[0][0] = {a7, b8, w_knight};
     vetka[0][1] = {h2, h1, b_queen};
