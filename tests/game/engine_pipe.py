@@ -16,8 +16,8 @@ from outside_chess import MOVE_TEXT
 
 GREETING = "protover 2"
 GREETING_ENDS = "feature done=1"
-# A draw by repetition leaves its line's length as an older line set it; cells that this search has
-# not reached yet are then printed as moves without squares, two blanks for each and one behind.
+# A draw by repetition keeps the length of an older line; cells that this search has not reached are
+# then printed as moves without squares: two blanks for each square and one behind the move.
 UNREACHED_CELL = " " * 5
 THINKING = re.compile(
     rf"(\d+ -?\d+) \d+ (\d+ (?:[a-h][1-8][a-h][1-8][qrbn]? |{UNREACHED_CELL})*)")
