@@ -32,13 +32,14 @@ STRATA = [
 
 # The same once more inside tb/: the decoder knows no catalogue, the catalogue no cache.
 TB_STRATA = [
-    (0, ["tb/tb_types", "tb/tb_memory", "tb/bit_reader", "tb/checksum"]),
+    (0, ["tb/tb_types", "tb/tb_settings", "tb/tb_memory", "tb/table_names", "tb/bit_reader",
+         "tb/checksum"]),
     (1, ["tb/index/*", "tb/code_table"]),
     (2, ["tb/decoder", "tb/read_header", "tb/decode_block"]),
     (3, ["tb/catalogue", "tb/catalogue_rows", "tb/key_tree"]),
     (4, ["tb/block_cache", "tb/resident"]),
     (5, ["tb/probe_raw", "tb/register"]),
-    (6, ["tb/search_probe"]),
+    (6, ["tb/search_probe", "tb/start_tables"]),
 ]
 
 # A folder that may use only these, whatever its stratum.

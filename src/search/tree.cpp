@@ -5,12 +5,14 @@
 #include "search/tree.h"
 
 #include <limits>
+#include <optional>
 
 #include "board/geometry.h"
 #include "board/side_traits.h"
 #include "search/hash_table.h"
 #include "search/node_steps.h"
 #include "shell/game_record.h"
+#include "tb/search_probe.h"
 
 namespace {
 
@@ -263,7 +265,13 @@ std::int32_t search_node(Table& position, std::int32_t depth, std::int32_t alpha
         return alpha;
     }
 
-    // Here the endgame tables will answer, in nodes that remember, with fewer than six men.
+    if constexpr (Rules::remembers) {
+        if (tb_may_answer(position)) {
+            if (const std::optional<std::int32_t> score = tb_answer(position)) {
+                return *score;
+            }
+        }
+    }
 
     if (depth >= 1) {
         checked = in_check(position, position.side);

@@ -13,6 +13,7 @@
 #include "shell/config.h"
 #include "shell/engine_state.h"
 #include "shell/log.h"
+#include "tb/start_tables.h"
 
 namespace {
 
@@ -30,7 +31,7 @@ void start_up(Table& table) {
     read_config();
     open_log();
     print_banner();
-    // Here the endgame tables will be registered and their cache given its memory.
+    tb_start_tables(engine.TbPath, engine.tb_cache_megabytes);
     pawn_cache_allocate();
     hash_allocate();
     hash_clear();

@@ -15,6 +15,7 @@
 #include "shell/engine_state.h"
 #include "shell/game_record.h"
 #include "shell/log.h"
+#include "tb/start_tables.h"
 
 void reset_all(int megabytes) {
     reset_log();
@@ -25,6 +26,7 @@ void reset_all(int megabytes) {
     reset_book_move();
     reset_search_state();
     reset_computer_move();
+    tb_stop_tables();
     game_reset();
     history_reset();
     pawn_cache_allocate();
