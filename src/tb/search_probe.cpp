@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 
 #include "tb/catalogue.h"
 #include "tb/probe_raw.h"
@@ -20,31 +21,28 @@ struct ScratchBoards {
     TbBoard tb_black_board{};
 };
 
-std::int32_t kind_of(PieceCode man) {
-    switch (man) {
-        case w_pawn:
-        case b_pawn: return tb_pawn;
-        case w_knight:
-        case b_knight: return tb_knight;
-        case w_bishop:
-        case b_bishop: return tb_bishop;
-        case w_rook:
-        case b_rook: return tb_rook;
-        case w_queen:
-        case b_queen: return tb_queen;
-        case w_king:
-        case b_king: return tb_king;
-        default: return 0;
-    }
+// The codes of the board have one bit a kind, White's six below Black's six, in the order of the
+// codes of the scratch boards.
+constexpr PieceCode kind_bits = 0xfff;
+constexpr int kinds_a_side = 6;
+
+constexpr std::int32_t kind_of(PieceCode man) {
+    return std::countr_zero(man & kind_bits) % kinds_a_side + 1;
+}
+static_assert(kind_of(w_pawn) == tb_pawn && kind_of(b_pawn) == tb_pawn);
+static_assert(kind_of(w_queen) == tb_queen && kind_of(b_queen) == tb_queen);
+static_assert(kind_of(w_king) == tb_king && kind_of(b_king) == tb_king);
+
+bool is_man(PieceCode entry) {
+    return (entry & kind_bits) != 0;
 }
 
 void fill_boards(const Table& position, ScratchBoards& boards) {
     for (std::size_t square = 0; square < mailbox_size; ++square) {
         const PieceCode man = position.Array[square];
-        if (w_figure(man) != 0) {
-            boards.tb_white_board[square] = kind_of(man);
-        } else if (b_figure(man) != 0) {
-            boards.tb_black_board[square] = kind_of(man);
+        if (is_man(man)) {
+            TbBoard& board = w_figure(man) != 0 ? boards.tb_white_board : boards.tb_black_board;
+            board[square] = kind_of(man);
         }
     }
 }
@@ -82,10 +80,9 @@ std::int32_t score_of(std::int8_t value) {
 void TbCountMen(const Table& table) {
     tb_counts = {};
     for (const PieceCode man : table.Array) {
-        const std::int32_t kind = kind_of(man);
-        if (kind >= tb_pawn && kind <= tb_queen) {
+        if (is_man(man) && kind_of(man) != tb_king) {
             const std::size_t side_at = w_figure(man) != 0 ? 0 : tb_kinds_a_side;
-            ++tb_counts[side_at + static_cast<std::size_t>(kind - tb_pawn)];
+            ++tb_counts[side_at + static_cast<std::size_t>(kind_of(man) - tb_pawn)];
         }
     }
 }
