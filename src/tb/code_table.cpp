@@ -91,7 +91,8 @@ bool read_coded_form(TbBitReader& reader, std::span<std::uint8_t> lengths) {
 }
 
 /// How many symbols have each length; empty if a length is beyond the longest.
-using LengthCounts = std::array<std::uint32_t, tb_longest_code + 1>;
+constexpr std::size_t length_values = 32;  // 0 and 1 to `tb_longest_code`
+using LengthCounts = std::array<std::uint32_t, length_values>;
 std::optional<LengthCounts> count_lengths(std::span<const std::uint8_t> lengths) {
     LengthCounts counts{};
     for (const std::uint8_t length : lengths) {
@@ -126,7 +127,8 @@ class TableFiller {
     [[nodiscard]] bool enter(std::uint32_t symbol, std::uint32_t word, unsigned length) {
         if (length <= root_bits_) {
             const unsigned free_bits = root_bits_ - length;
-            std::fill_n(table_.begin() + static_cast<std::ptrdiff_t>(word << free_bits),
+            const std::size_t first = std::size_t{word} << free_bits;
+            std::fill_n(table_.begin() + static_cast<std::ptrdiff_t>(first),
                         std::size_t{1} << free_bits,
                         static_cast<std::int16_t>((symbol << tb_entry_length_bits) | length));
             return true;

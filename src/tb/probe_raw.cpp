@@ -13,14 +13,16 @@ namespace {
 /// The open file of a half, null if it cannot be had. The system may allow no further file; then
 /// all the others are closed first.
 std::FILE* open_half(TbEntry& row, std::size_t half) {
-    if (row.file[half] == nullptr && row.path[half] != nullptr) {
-        row.file[half] = open_binary(row.path[half]);
-        if (row.file[half] == nullptr) {
+    std::FILE*& file = row.file[half];
+    const char* const path = row.path[half];
+    if (file == nullptr && path != nullptr) {
+        file = open_binary(path);
+        if (file == nullptr) {
             TbCloseFiles();
-            row.file[half] = open_binary(row.path[half]);
+            file = open_binary(path);
         }
     }
-    return row.file[half];
+    return file;
 }
 
 bool read_compressed(const TbDecoder& decoder, std::FILE* file, std::int32_t block,

@@ -159,9 +159,10 @@ DecoderMemory new_decoder(const FixedFields& fields, std::uint32_t keep_crc) {
     DecoderMemory decoder(
         static_cast<TbDecoder*>(std::calloc(1, decoder_bytes(fields.block_count, keep_crc))));
     if (decoder != nullptr) {
-        decoder->block_crc = reinterpret_cast<std::uint32_t*>(decoder.get() + 1);
-        decoder->block_offsets =
-            decoder->block_crc + (keep_crc != 0 ? std::size_t{2} * fields.block_count : 0);
+        auto* const words = reinterpret_cast<std::uint32_t*>(decoder.get() + 1);
+        const std::size_t crc_words = keep_crc != 0 ? std::size_t{2} * fields.block_count : 0;
+        decoder->block_crc = words;
+        decoder->block_offsets = words + crc_words;
         decoder->block_shift = static_cast<std::int32_t>(fields.block_shift);
         decoder->block_size = 1 << fields.block_shift;
         decoder->block_count = static_cast<std::int32_t>(fields.block_count);
