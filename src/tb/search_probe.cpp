@@ -92,6 +92,7 @@ std::int32_t TbProbe(std::int32_t id, std::int32_t half, std::uint32_t index) {
     if (has_fixed_answer(id, half, index)) {
         return fixed_score;
     }
+    // Intended(tb-no-value): a byte that cannot be had counts, once, as better than any mate.
     return score_of(TbProbeRaw(id, half, index));
 }
 

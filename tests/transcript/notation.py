@@ -5,8 +5,10 @@ import re
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
+DATA = HERE.parent / "data"
 LOG = "corvane.log"
-KEYWORDS = ("file", "folder", "send", "stdout", "log", "both", "leaves", "absent", "run")
+KEYWORDS = ("file", "copy", "folder", "link", "send", "stdout", "log", "both", "leaves", "absent",
+            "status", "run")
 TEXT_COLUMN = 7
 ESCAPES = {"s": " ", "\\": "\\", "r": "\r", "n": "\n", "t": "\t"}
 
@@ -80,17 +82,28 @@ def texts_of(text):
     return characters + ("\n" if line_end else "")
 
 
+def bytes_of(text):
+    """The bytes that `FROM` or `FROM A:B` stand for, a character each."""
+    match = re.fullmatch(r"(\S+)(?: +(\d*):(\d*))?", text)
+    if not match:
+        raise TranscriptError(f"no file or part of one: {text}")
+    begin, end = (int(place) if place else None for place in match.groups()[1:])
+    return (DATA / match[1]).read_bytes()[begin:end].decode("latin-1")
+
+
 class Run:
     """One start of the program: what it is given and what is expected of it."""
 
     def __init__(self):
         self.files = {}
         self.folders = []
+        self.links = {}
         self.stdin = ""
         self.stdout = ""
         self.log_parts = []  # ("text", ...), ("stdout",) or ("before",)
         self.leaves = {}
         self.absent = []
+        self.status = 0
 
     def expected_log(self, before):
         parts = {"stdout": self.stdout, "before": before}
@@ -105,6 +118,14 @@ class Run:
         if keyword in ("file", "leaves"):
             target = self.files if keyword == "file" else self.leaves
             target[name] = target.get(name, "") + (texts_of(rest) if rest else "")
+        elif keyword == "copy":
+            self.files[name] = self.files.get(name, "") + bytes_of(rest)
+        elif keyword == "link":
+            self.links[name] = rest
+        elif keyword == "status":
+            if not text.isdecimal():
+                raise TranscriptError(f"no exit status: {text}")
+            self.status = int(text)
         elif keyword == "folder":
             self.folders.append(name)
         elif keyword == "absent":

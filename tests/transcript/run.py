@@ -8,13 +8,17 @@
     run.py --list                      the names of all transcripts
 
 The program runs in an empty temporary folder. Its standard output, corvane.log and every file of
-the folder are compared byte for byte, its exit status has to be 0 and its standard error empty.
+the folder and below are compared byte for byte, its exit status has to be 0 unless another one is
+told, and its standard error empty.
 
 A transcript is read line by line. A keyword stands in columns 1 to 6, its text from column 8 on:
 
     # text                  a comment; empty lines are passed over
     file   NAME TEXT        a line of a file put there before the run; without TEXT an empty file
+    copy   NAME FROM        the bytes of tests/data/FROM added to a file put there before the run
+    copy   NAME FROM A:B    of them only those from place A on, and before place B; either may lack
     folder NAME             an empty folder put there before the run, to be left empty
+    link   NAME TARGET      a symbolic link put there before the run
     send   TEXT             a line of standard input
     stdout TEXT             a line of standard output
     log    TEXT             a line of corvane.log
@@ -23,9 +27,11 @@ A transcript is read line by line. A keyword stands in columns 1 to 6, its text 
     log    as before        here the log holds what it held before this run
     leaves NAME TEXT        a line of a file as the run leaves it; without TEXT an empty file
     absent NAME             no such file after the run
+    status NUMBER           the exit status of this run
     run                     ends one run and begins the next, in the same folder
 
-Sends and outputs may be mixed as the session went: only the order within a stream counts. A file
+Sends and outputs may be mixed as the session went: only the order within a stream counts. Lines of
+`file` and `copy` for one NAME add up, and a NAME may lie in a folder, which is then made. A file
 that is not under `leaves` or `absent` has to be as it was, and no other file may appear. Something
 has to be said of the log for every run.
 
@@ -141,21 +147,27 @@ class Outcome:
 
 
 def read_tree(folder):
-    """Every entry of the folder: the text of a file, None for an empty folder."""
+    """Every entry below the folder: the text of a file, None for an empty folder."""
     tree = {}
-    for entry in sorted(folder.iterdir()):
-        if entry.is_dir():
-            tree[entry.name] = None if not any(entry.iterdir()) else "(a folder with entries)"
-        else:
-            tree[entry.name] = entry.read_bytes().decode("latin-1")
+    for entry in sorted(folder.rglob("*")):
+        name = entry.relative_to(folder).as_posix()
+        if entry.is_symlink():
+            tree[name] = f"(a link to {os.readlink(entry)})"
+        elif not entry.is_dir():
+            tree[name] = entry.read_bytes().decode("latin-1")
+        elif not any(entry.iterdir()):
+            tree[name] = None
     return tree
 
 
 def prepare(folder, run):
     for name in run.folders:
-        (folder / name).mkdir()
+        (folder / name).mkdir(parents=True)
     for name, text in run.files.items():
+        (folder / name).parent.mkdir(parents=True, exist_ok=True)
         (folder / name).write_bytes(text.encode("latin-1"))
+    for name, target in run.links.items():
+        (folder / name).symlink_to(target)
 
 
 def execute(program, folder, stdin, timeout):
@@ -190,8 +202,8 @@ def expected_tree(run, before):
 def compare(run, before, outcome):
     """The lines of a report; empty if the run went as told."""
     report = []
-    if outcome.status != 0:
-        report.append(f"exit status {outcome.status}")
+    if outcome.status != run.status:
+        report.append(f"exit status {outcome.status} instead of {run.status}")
     report += difference("standard error", "", outcome.stderr)
     actual = masked(outcome.stdout, run.stdout, outcome.run_ms)
     report += difference("standard output", run.stdout, actual)
@@ -236,6 +248,8 @@ def print_actual(number, run, before, outcome):
                 print(f"leaves {name}    {line}".rstrip())
     for name in before.keys() - outcome.tree.keys():
         print(f"absent {name}")
+    if outcome.status != 0:
+        print(f"status {outcome.status}")
 
 
 def run_transcript(program, path, timeout, update):

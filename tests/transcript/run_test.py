@@ -6,6 +6,7 @@ import stat
 import sys
 import tempfile
 import unittest
+import unittest.mock
 from pathlib import Path
 
 sys.dont_write_bytecode = True
@@ -76,6 +77,14 @@ class RunnerTest(unittest.TestCase):
     def test_notices_a_bad_exit_status(self):
         self.assert_fails(LOGGED_HELLO + "; exit 3", HELLO, "exit status 3")
 
+    def test_accepts_the_exit_status_that_is_told_alone(self):
+        transcript = HELLO + "status 3\n"
+        self.assert_plays(LOGGED_HELLO + "; exit 3", transcript)
+        self.assert_fails(LOGGED_HELLO, transcript, "exit status 0 instead of 3")
+        self.assert_fails(LOGGED_HELLO + "; exit 1", transcript, "exit status 1 instead of 3")
+        two_runs = transcript + "run\nstdout hello\nlog    as before\nlog    as stdout\n"
+        self.assert_fails(LOGGED_HELLO + "; exit 3", two_runs, "exit status 3 instead of 0")
+
     def test_notices_a_signal(self):
         self.assert_fails(LOGGED_HELLO + "; kill -11 $$", HELLO, "exit status -11")
 
@@ -91,6 +100,38 @@ class RunnerTest(unittest.TestCase):
             "# echo\nfile   a.ini    one\\s\nsend   two\nsend   \\*3{x}\\c\n"
             "stdout two\nstdout xxxone\\s\nabsent corvane.log\n",
         )
+
+    def test_copies_files_and_parts_of_them(self):
+        (self.folder / "some.bin").write_bytes(bytes(range(256)))
+        transcript = "# bytes\ncopy   %s\nstdout \\x%02x\\x%02x %d\\c\nabsent corvane.log\n"
+        script = "head -c 1 a; tail -c 1 a; printf ' '; wc -c < a | tr -d '\\n'"
+        for arguments, first, last, size in (
+            ("a some.bin", 0, 255, 256),
+            ("a    some.bin  16:32", 16, 31, 16),
+            ("a some.bin 100:", 100, 255, 156),
+            ("a some.bin :101", 0, 100, 101),
+            ("a some.bin 5:6\nfile   a \\x80\\c\ncopy   a some.bin 200:", 5, 255, 58),
+        ):
+            with unittest.mock.patch("notation.DATA", self.folder):
+                self.assert_plays(script, transcript % (arguments, first, last, size))
+
+    def test_puts_files_into_folders(self):
+        transcript = "# folders\nfile   one/two/a    x\nfile   one/b\nabsent corvane.log\n"
+        self.assert_plays("test -f one/b && grep -q x one/two/a", transcript)
+        self.assert_fails("echo y > one/two/a", transcript, "+y")
+        self.assert_fails("echo y > one/c", transcript, "unexpected file: one/c")
+        self.assert_fails("rm one/b", transcript, "missing file: one/b")
+
+    def test_notices_what_becomes_of_an_empty_folder(self):
+        transcript = "# folder\nfolder one\nabsent corvane.log\n"
+        self.assert_plays("test -d one", transcript)
+        self.assert_fails("echo y > one/c", transcript, "unexpected file: one/c")
+        self.assert_fails("rmdir one", transcript, "missing file: one")
+
+    def test_puts_links(self):
+        transcript = "# link\nfile   a    x\nlink   b a\nstdout x\nabsent corvane.log\n"
+        self.assert_plays("cat b", transcript)
+        self.assert_fails("cat b; rm b; echo x > b", transcript, "a link to a")
 
     def test_plays_runs_in_the_same_folder(self):
         self.assert_plays(
@@ -163,6 +204,9 @@ class RunnerTest(unittest.TestCase):
             "# escape\nstdout \\q\nabsent corvane.log\n",
             "# fragment\nstdout @missing_one\nabsent corvane.log\n",
             "# no line end\nabsent corvane.log",
+            "# status\nstatus one\nabsent corvane.log\n",
+            "# file\ncopy   a there/is/none\nabsent corvane.log\n",
+            "# part\ncopy   a tb/kqk.nbw 1-2\nabsent corvane.log\n",
         ):
             with self.assertRaises(runner.TranscriptError, msg=transcript):
                 self.play("true", transcript)

@@ -1,0 +1,245 @@
+// SPDX-License-Identifier: MIT
+// The program emd_pack: packs a table half, unpacks a compressed file, or tests one. A file that is
+// written gets its name when it is complete.
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <new>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <vector>
+
+#include "emd/pack.h"
+#include "emd/reader.h"
+#include "platform/binary_file.h"
+
+namespace {
+
+constexpr int failed = 1;
+constexpr int wrong_arguments = 2;
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using File = std::unique_ptr<std::FILE, CloseFile>;
+
+/// Tells of a fault of a file; gives the exit status.
+int fail(const std::string& name, std::string_view fault) {
+    std::cerr << "emd_pack: " << name << ": " << fault << '\n';
+    return failed;
+}
+
+int usage() {
+    std::cerr << "usage: emd_pack [--block-shift N] IN OUT   pack IN, blocks of 2^N bytes (0 to 16,"
+                 " else 13)\n"
+                 "       emd_pack --unpack IN OUT            unpack IN\n"
+                 "       emd_pack --check IN                 decode all blocks of IN\n";
+    return wrong_arguments;
+}
+
+/// A file that is written under a name of its own first, beside the final one.
+class NewFile {
+  public:
+    explicit NewFile(std::string name)
+        : name_(std::move(name)),
+          part_name_(name_ + ".part"),
+          file_(std::fopen(part_name_.c_str(), "wb")) {}
+    ~NewFile() {
+        if (file_ != nullptr) {
+            file_.reset();
+            remove_part();
+        }
+    }
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    [[nodiscard]] bool write(std::span<const std::uint8_t> bytes) {
+        return file_ != nullptr &&
+               std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size();
+    }
+
+    /// Gives the file its name. False, and nothing is left of it, when not all could be written.
+    [[nodiscard]] bool finish() {
+        std::error_code error;
+        const bool written = std::fclose(file_.release()) == 0;
+        if (written) {
+            std::filesystem::rename(part_name_, name_, error);
+        }
+        if (!written || error) {
+            remove_part();
+            return false;
+        }
+        return true;
+    }
+
+  private:
+    void remove_part() {
+        std::error_code ignored;
+        std::filesystem::remove(part_name_, ignored);
+    }
+
+    std::string name_;
+    std::string part_name_;
+    File file_;
+};
+
+std::optional<std::vector<std::uint8_t>> read_whole(const std::string& name) {
+    const File file(open_binary(name.c_str()));
+    if (file == nullptr) {
+        return std::nullopt;
+    }
+    const std::optional<std::uint64_t> length = length_of_binary(file.get());
+    if (!length || !seek_binary(file.get(), 0)) {
+        return std::nullopt;
+    }
+    std::vector<std::uint8_t> bytes(*length);
+    if (std::fread(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) {
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+int pack(const std::string& in, const std::string& out, const EmdPackOptions& options) {
+    const auto bytes = read_whole(in);
+    if (!bytes) {
+        return fail(in, "cannot be read");
+    }
+    if (bytes->empty()) {
+        return fail(in, "is empty");
+    }
+    const std::vector<std::uint8_t> packed = emd_pack(*bytes, options);
+    if (packed.empty()) {
+        return fail(in, "is too long for one compressed file");
+    }
+    NewFile file(out);
+    if (!file.write(packed) || !file.finish()) {
+        return fail(out, "cannot be written");
+    }
+    return 0;
+}
+
+/// A compressed file, open for reading.
+struct Source {
+    explicit Source(const std::string& name) : file(open_binary(name.c_str())) {
+        if (file != nullptr) {
+            reader.emplace(file.get());
+        }
+    }
+
+    File file;
+    std::optional<EmdReader> reader;
+};
+
+/// Hands all blocks of a file on, in order; gives the exit status. `take` gives false to end.
+template <class Take>
+int read_blocks(const std::string& in, const Take& take) {
+    Source source(in);
+    if (!source.reader) {
+        return fail(in, "cannot be read");
+    }
+    if (!source.reader->is_open()) {
+        return fail(in, "is no compressed table file, or its header is broken");
+    }
+    const std::int32_t count = source.reader->decoder().block_count;
+    for (std::int32_t i = 0; i < count; ++i) {
+        const auto block = source.reader->block(i);
+        if (!block) {
+            return fail(in, "block " + std::to_string(i + 1) + " of " + std::to_string(count) +
+                                " is broken");
+        }
+        if (!take(*block)) {
+            return failed;
+        }
+    }
+    return 0;
+}
+
+int unpack(const std::string& in, const std::string& out) {
+    std::optional<NewFile> file;
+    const auto cannot_write = [&] { return fail(out, "cannot be written"); };
+    const int status = read_blocks(in, [&](std::span<const std::uint8_t> block) {
+        if (!file) {
+            file.emplace(out);  // not before there is something to write
+        }
+        if (!file->write(block)) {
+            cannot_write();
+            return false;
+        }
+        return true;
+    });
+    if (status != 0) {
+        return status;
+    }
+    return file->finish() ? 0 : cannot_write();
+}
+
+int check(const std::string& in) {
+    std::uint64_t bytes = 0;
+    std::uint64_t blocks = 0;
+    const int status = read_blocks(in, [&](std::span<const std::uint8_t> block) {
+        bytes += block.size();
+        ++blocks;
+        return true;
+    });
+    if (status == 0) {
+        std::cout << in << ": " << bytes << " bytes in " << blocks << " blocks\n";
+    }
+    return status;
+}
+
+std::optional<unsigned> read_block_shift(std::string_view text) {
+    constexpr unsigned largest = 16;
+    unsigned shift = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), shift);
+    if (error != std::errc{} || end != text.data() + text.size() || shift > largest) {
+        return std::nullopt;
+    }
+    return shift;
+}
+
+int run(std::span<const std::string> words) {
+    std::string option;
+    if (!words.empty() && words[0].starts_with("--")) {
+        option = words[0];
+        words = words.subspan(1);
+    }
+    EmdPackOptions options;
+    if (option == "--block-shift" && !words.empty()) {
+        const auto shift = read_block_shift(words[0]);
+        if (!shift) {
+            return usage();
+        }
+        options.block_shift = *shift;
+        option.clear();
+        words = words.subspan(1);
+    }
+    if (option == "--check" && words.size() == 1) {
+        return check(words[0]);
+    }
+    if (option == "--unpack" && words.size() == 2) {
+        return unpack(words[0], words[1]);
+    }
+    if (option.empty() && words.size() == 2) {
+        return pack(words[0], words[1], options);
+    }
+    return usage();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const std::vector<std::string> words(argv + 1, argv + argc);
+    try {
+        return run(words);
+    } catch (const std::bad_alloc&) {
+        std::cerr << "emd_pack: out of memory\n";
+        return failed;
+    }
+}
