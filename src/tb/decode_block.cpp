@@ -171,7 +171,7 @@ std::int32_t TbReadBlock(TbBlockState& state, const TbDecoder& decoder, std::FIL
         return tb_fault(tb_wrong_argument, place_stored_length);
     }
     state.block = block;
-    state.block_read = block;
+    state.block_read = -1;  // at rest until all bytes are there
     state.decoded_length =
         block == decoder.block_count - 1 ? decoder.last_block_size : decoder.block_size;
     state.size = state.decoded_length;
@@ -190,6 +190,7 @@ std::int32_t TbReadBlock(TbBlockState& state, const TbDecoder& decoder, std::FIL
     state.available = 0;
     state.pending = 0;
     state.reader = TbBitReader({state.input, stored_length});
+    state.block_read = block;
     if (state.stored_length == state.decoded_length) {
         std::memcpy(state.output, state.input, stored_length);
         state.available = state.stored_length;
@@ -211,6 +212,7 @@ std::int32_t TbDecodeBlock(TbBlockState& state, const TbDecoder& decoder, std::i
         finish_match(state, end);
         if (state.pending == 0) {
             if (const std::int32_t fault = decode(state, decoder, end)) {
+                state.block_read = -1;  // nothing goes on behind a fault
                 return fault;
             }
         }

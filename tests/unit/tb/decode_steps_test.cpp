@@ -92,3 +92,31 @@ TEST(DecodeSteps, FaultShowsWithTheStepThatMeetsIt) {
     EXPECT_EQ(text_of(decode_stored(stored, 8, {4}).bytes), "abcd");
     EXPECT_EQ(tb_fault_kind(decode_stored(stored, 8, {4, 5}).fault), tb_broken_file);
 }
+
+/// After a fault there is nothing to go on with: the block has to be read again.
+TEST(DecodeSteps, NothingGoesOnBehindABrokenMatch) {
+    const FlatBlock block = FlatBlock().literals("ab").match(3, 7).literals("cdefghijkl");
+    const Bytes bytes = emd_file_bytes(flat_file(8, {block.bytes()}, 20));
+    const DecoderPointer header = sound_decoder(bytes, 0);
+    const OpenedBytes file(bytes);
+    const OwnState state(header->max_stored);
+    GuardedRoom room(256);
+    TbInitBlockState(*state, room.data());
+    ASSERT_EQ(TbReadBlock(*state, *header, file.get(), 0), 0);
+    EXPECT_EQ(tb_fault_kind(TbDecodeBlock(*state, *header, 20, 0)), tb_broken_file);
+    EXPECT_EQ(tb_fault_kind(TbDecodeBlock(*state, *header, 20, 0)), tb_wrong_argument);
+}
+
+TEST(DecodeSteps, NothingGoesOnBehindABlockThatCannotBeRead) {
+    const Bytes bytes = emd_file_bytes(flat_file(8, {FlatBlock().literals("abcdefgh").bytes()}, 8));
+    const DecoderPointer header = sound_decoder(bytes, 0);
+    const OpenedBytes file(bytes);
+    const OpenedBytes shorter(std::span<const std::uint8_t>(bytes).first(bytes.size() - 1));
+    const OwnState state(header->max_stored);
+    GuardedRoom room(256);
+    TbInitBlockState(*state, room.data());
+    ASSERT_EQ(TbReadBlock(*state, *header, file.get(), 0), 0);
+    ASSERT_EQ(TbDecodeBlock(*state, *header, 8, 0), 0);
+    EXPECT_EQ(tb_fault_kind(TbReadBlock(*state, *header, shorter.get(), 0)), tb_read_fault);
+    EXPECT_EQ(tb_fault_kind(TbDecodeBlock(*state, *header, 8, 0)), tb_wrong_argument);
+}
