@@ -82,6 +82,25 @@ TEST(BlockPacker, LastMatchesOfEveryClassRunPastTheEnd) {
     EXPECT_EQ(matches, 93);
 }
 
+TEST(BlockPacker, BitsOfAMatchThatRunsPastTheEnd) {
+    // 0 for the literal, 1 for the match, two further bits, which are those of the shortest length.
+    const EmdModel model = model_of(13, 0, 1, {{'a', 1}, {emd_match_symbol(0, 16), 1}});
+    EXPECT_EQ(EmdBlockPacker(model).pack(PackBytes(1 + 9, 'a')).stored, PackBytes{0x40});
+    EXPECT_EQ(EmdBlockPacker(model).pack(PackBytes(1 + 20, 'a')).stored, PackBytes{0x60});
+}
+
+TEST(BlockPacker, FilesOfManyBytes) {
+    const EmdModel model = model_of(widest_shift, 0, 0, {});
+    std::vector<EmdPackedBlock> blocks;
+    for (std::uint8_t i = 0; i < 40; ++i) {
+        blocks.push_back(EmdBlockPacker(model).pack(PackBytes(65536, i)));
+    }
+    PackedFile file(emd_join(model, blocks, 65536));
+    const PackBytes bytes = file.unpack();
+    ASSERT_EQ(bytes.size(), 40U * 65536);
+    EXPECT_EQ(bytes.back(), 39);
+}
+
 /// A code with a literal for each length of a word, the byte telling the length, and one match,
 /// whose word is of the greatest length too.
 EmdModel model_of_all_lengths(std::uint32_t distance) {

@@ -54,6 +54,9 @@ TEST(SymbolCosts, MeasuredByShareAndRarity) {
     EXPECT_EQ(costs[301], 9 * emd_bit_cost + 5 * emd_bit_cost / 2);
     EXPECT_EQ(costs[302], 15 * emd_bit_cost);
     EXPECT_EQ(costs[304], 15 * emd_bit_cost);  // as if it had been there once
+    EmdCounts few{};
+    few[7] = 3;
+    EXPECT_EQ(emd_measured_costs(few)[8], 7 * emd_bit_cost);
 }
 
 TEST(SymbolCosts, CodeWordsAndSymbolsWithoutOne) {

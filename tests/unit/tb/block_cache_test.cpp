@@ -320,14 +320,20 @@ TEST_F(BlockCache, TurnedOffItClosesTheFilesAndTurnedOnItBeginsEmpty) {
     EXPECT_EQ(cache_fault(), "");
 }
 
-TEST_F(BlockCache, WithoutEntriesNothingIsReset) {
+TEST_F(BlockCache, WithoutEntriesNothingIsResetOrClosed) {
     register_halves();
     const TbEntryRef free_before = tb_free_list;
-    (*TbCatalogue[krk].buckets[0])[3] = 77;
+    TbEntry& row = TbCatalogue[krk];
+    (*row.buckets[0])[3] = 77;
+    std::FILE* const file = std::tmpfile();
+    row.file[0] = file;
     TbCacheReset();
     TbCloseFiles();
     EXPECT_EQ(tb_free_list, free_before);
-    EXPECT_EQ((*TbCatalogue[krk].buckets[0])[3], 77U);
+    EXPECT_EQ((*row.buckets[0])[3], 77U);
+    EXPECT_EQ(row.file[0], file);
+    row.file[0] = nullptr;
+    EXPECT_EQ(std::fclose(file), 0);
 }
 
 TEST_F(BlockCache, FilesAreClosedAndOpenedAgainWithoutLossOfBlocks) {

@@ -11,6 +11,7 @@
 #include "support/cache_buffer.h"
 #include "support/cache_lists.h"
 #include "support/endgame_files.h"
+#include "support/failing_seeks.h"
 #include "support/open_files.h"
 #include "support/raw_packed.h"
 #include "support/reset_all.h"
@@ -212,6 +213,7 @@ TEST_F(Resident, FileIsMappedAsItIsNow) {
 TEST_F(Resident, HalfOfNoBytesIsLoadedAndHasNoValue) {
     put_half("krk.nbw", 0, {});
     ASSERT_EQ(TbRegisterAll(""), 3);
+    const FailingSeeks seeks(SeekFault::of_end);  // nothing is sought where there is nothing
     TbLoadHalf(krk, 0, nullptr);
     EXPECT_NE(row_of(krk).view[0], nullptr);
     EXPECT_EQ(TbProbeRaw(krk, 0, 0), 127);
