@@ -176,6 +176,16 @@ TEST_F(ProbeFaults, CompressedFileThatWasCut) {
     EXPECT_EQ(TbProbeRaw(krk, 0, 17), static_cast<std::int8_t>(sound[17]));
 }
 
+TEST_F(ProbeFaults, BlockThatCannotBeReadIsNotDecoded) {
+    const CacheBuffer cache(4 * tb_entry_size);
+    const std::string sound = read_file(endgame_data + "/krk.nbw");
+    put_raw_packed("krk.nbw.emd", sound);  // its code would make zeros of nothing
+    register_beside_a_sound_half();
+    fs::resize_file("krk.nbw.emd", TbCatalogue[krk].decoder[0]->block_offsets[2] - 1);
+    EXPECT_EQ(TbProbeRaw(krk, 0, 17), static_cast<std::int8_t>(sound[17]));
+    expect_out_of_use(krk, 0, block);
+}
+
 TEST_F(ProbeFaults, CompressedFileWithoutABlockToDecodeIn) {
     const CacheBuffer cache(4 * tb_entry_size);
     copy_half("krk.nbw.emd");

@@ -5,11 +5,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <limits>
 #include <optional>
 #include <string>
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "platform/memory_limit.h"
 #include "support/cache_lists.h"
 #include "support/captured_errors.h"
 #include "support/captured_output.h"
@@ -20,6 +22,18 @@
 #include "tb/probe_raw.h"
 #include "tb/register.h"
 #include "tb/tb_settings.h"
+
+namespace {
+
+constexpr std::uint64_t plenty = std::numeric_limits<std::uint64_t>::max();
+std::uint64_t machine_memory = plenty;
+
+}  // namespace
+
+/// Stands in for the engine's own: what a machine has is up to the test.
+std::uint64_t memory_limit_bytes() {
+    return machine_memory;
+}
 
 namespace {
 
@@ -54,6 +68,15 @@ class Environment {
   private:
     const char* name_;
     std::optional<std::string> before_;
+};
+
+/// The machine's memory, for the life of an object.
+class MachineWith {
+  public:
+    explicit MachineWith(std::uint64_t bytes) { machine_memory = bytes; }
+    ~MachineWith() { machine_memory = plenty; }
+    MachineWith(const MachineWith&) = delete;
+    MachineWith& operator=(const MachineWith&) = delete;
 };
 
 /// What was printed, on both ways.
@@ -140,6 +163,24 @@ TEST_F(StartTables, BytesAreCountedIn32Bits) {
         EXPECT_EQ(start("", megabytes).errors, "");
         EXPECT_EQ(tb_cache_entries, entries_a_megabyte) << megabytes;
     }
+}
+
+TEST_F(StartTables, CacheThatTheMachineHasNotIsRefused) {
+    constexpr std::uint64_t megabyte = std::uint64_t{1} << 20U;
+    copy_half("krk.nbw");
+    const MachineWith machine(20 * megabyte);
+    for (const std::int32_t megabytes : {20, 21, 2000, -1}) {
+        static_cast<void>(start("", 2));
+        ASSERT_EQ(tb_cache_entries, (2U << 20U) / 8260);
+        const Words words = start("", megabytes);
+        EXPECT_EQ(words.output, "Loading 3-man Endgame  Bases...\n");
+        EXPECT_EQ(words.errors, no_memory(megabytes));
+        EXPECT_EQ(tb_cache_entries, 0U);
+        EXPECT_EQ(tb_max_men, 3);
+        EXPECT_EQ(TbProbeRaw(krk, 0, 0), 127);
+    }
+    EXPECT_EQ(start("", 19).errors, "");
+    EXPECT_EQ(tb_cache_entries, (19U << 20U) / 8260);
 }
 
 #if !defined(__SANITIZE_ADDRESS__)
