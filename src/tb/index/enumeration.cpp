@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "shell/log.h"
+#include "tb/index/choose.h"
 #include "tb/tb_memory.h"
 #include "tb/tb_settings.h"
 
@@ -90,15 +91,6 @@ const TbSquarePairTable<std::int16_t>* number_pairs(IsUsed is_used) {
     return pairs;
 }
 
-/// n squares, two or three of them, by the running product that stays below 32 bits.
-std::uint32_t placements_of(std::uint32_t n, std::uint32_t men) {
-    switch (men) {
-        case 1: return n;
-        case 2: return n * (n - 1) / 2;
-        default: return n * (n - 1) * (n - 2) / 6;
-    }
-}
-
 /// In how many ways the men of a set can be placed, the kings standing. Men of different kinds are
 /// not kept apart from each other.
 std::uint32_t placements(const TbKindSet& set, std::uint32_t own, std::uint32_t other) {
@@ -113,7 +105,7 @@ std::uint32_t placements(const TbKindSet& set, std::uint32_t own, std::uint32_t 
         }
         const bool own_king_in_the_way = tb_ordinal[kind][other][own] != tb_no_square;
         const std::uint32_t squares = tb_count[kind][other] - (own_king_in_the_way ? 1U : 0U);
-        product *= placements_of(squares, alike);
+        product *= choose(squares, alike);
     }
     return product;
 }

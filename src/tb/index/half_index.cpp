@@ -9,6 +9,8 @@
 #include <optional>
 #include <utility>
 
+#include "tb/index/choose.h"
+
 namespace {
 
 using Squares = std::array<std::uint32_t, tb_places>;

@@ -9,6 +9,7 @@
 #include <bit>
 #include <string_view>
 
+#include "tb/index/choose.h"
 #include "tb/index/enumeration.h"
 #include "tb/tb_types.h"
 
@@ -59,16 +60,6 @@ struct TbHalfPlan {
     std::uint32_t en_passant_numbers = 0;
 };
 
-/// n things taken two at a time; wraps for n of 0, as all index arithmetic may.
-[[nodiscard]] constexpr std::uint32_t choose2(std::uint32_t n) {
-    return n * (n - 1) / 2;
-}
-
-/// n things taken three at a time.
-[[nodiscard]] constexpr std::uint32_t choose3(std::uint32_t n) {
-    return n * (n - 1) * (n - 2) / 6;
-}
-
 namespace half_plan_detail {
 
 constexpr std::uint32_t pawn_squares = 48;
@@ -87,10 +78,6 @@ constexpr std::uint8_t kind_of(char letter) {
         case 'k': return tb_king;
         default: return tb_pawn;
     }
-}
-
-constexpr std::uint32_t choose(std::uint32_t n, std::uint8_t men) {
-    return men == 1 ? n : men == 2 ? choose2(n) : choose3(n);
 }
 
 /// Places and kinds, and who is to move.

@@ -2,6 +2,7 @@
 // Files seen as memory: their bytes, their handles, and how far a fault lets a mapping come.
 #include "platform/mapped_file.h"
 
+#include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -139,8 +140,10 @@ TEST_F(MappedFileTest, FileWithoutRoomForItStopsBeforeTheEnd) {
         const rlimit nothing_more = {0, RLIM_INFINITY};
         setrlimit(RLIMIT_AS, &nothing_more);
         MappedFile mapped;
+        const int before = open_files();
         const bool stopped = map_file("file", mapped) == MapStep::made_mapping;
-        _exit(stopped && mapped.bytes == nullptr && mapped.file == no_handle ? 0 : 1);
+        const bool untouched = mapped.bytes == nullptr && mapped.file == no_handle;
+        _exit(stopped && untouched && open_files() == before ? 0 : 1);
     };
     EXPECT_EXIT(try_it(), testing::ExitedWithCode(0), "");
 }
@@ -168,8 +171,19 @@ TEST_F(MappedFileTest, CannotBeWrittenTo) {
     close_and_unmap(mapped);
 }
 
+TEST_F(MappedFileTest, ProgramWithoutStandardInputMapsToo) {
+    write_file("file", "abc");
+    const auto try_it = [] {
+        close(STDIN_FILENO);
+        MappedFile mapped;
+        const bool done = map_file("file", mapped) == MapStep::done;
+        _exit(done && mapped.file == STDIN_FILENO && text_of(mapped) == "abc" ? 0 : 1);
+    };
+    EXPECT_EXIT(try_it(), testing::ExitedWithCode(0), "");
+}
+
 TEST_F(MappedFileTest, ClosingNoHandleDoesNothing) {
-    const int before = open_files();
+    errno = 0;
     close_handle(no_handle);
-    EXPECT_EQ(open_files(), before);
+    EXPECT_EQ(errno, 0);
 }
