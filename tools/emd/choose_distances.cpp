@@ -136,9 +136,9 @@ class DistanceChoice {
 
 }  // namespace
 
-std::vector<EmdStretch> emd_stretches(std::span<const std::uint8_t> bytes, std::size_t block_size) {
+std::vector<EmdStretch> emd_stretches(std::span<const std::uint8_t> bytes, std::size_t block_size,
+                                      std::size_t most_compared) {
     // A byte is compared with all before it in its block.
-    constexpr std::size_t most_compared = std::size_t{1} << 28U;
     constexpr std::size_t stretch_size = 1024;
     std::vector<EmdStretch> stretches;
     if (bytes.size() * (std::min(bytes.size(), block_size) / 2) <= most_compared) {
@@ -147,7 +147,8 @@ std::vector<EmdStretch> emd_stretches(std::span<const std::uint8_t> bytes, std::
         }
         return stretches;
     }
-    const std::size_t count = most_compared / (stretch_size * (block_size / 2));
+    const std::size_t count =
+        std::max<std::size_t>(1, most_compared / (stretch_size * (block_size / 2)));
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t at = bytes.size() / count * i;
         const std::size_t block_at = at / block_size * block_size;

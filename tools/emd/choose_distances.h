@@ -15,8 +15,10 @@ struct EmdStretch {
 };
 
 /// Stretches of the data that stand for the whole of it; all blocks whole if they are few.
+/// `most_compared`: how many pairs of bytes may be compared to choose one distance, about.
 [[nodiscard]] std::vector<EmdStretch> emd_stretches(std::span<const std::uint8_t> bytes,
-                                                    std::size_t block_size);
+                                                    std::size_t block_size,
+                                                    std::size_t most_compared);
 
 /// Rising distances below `block_size` that pay on these stretches, then zeros. `costs` tells
 /// literals, and in the classes of every slot what matches cost about.

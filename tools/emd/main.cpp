@@ -5,7 +5,6 @@
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
-#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <new>
@@ -13,12 +12,12 @@
 #include <span>
 #include <string>
 #include <string_view>
-#include <system_error>
 #include <vector>
 
 #include "emd/pack.h"
 #include "emd/reader.h"
 #include "platform/binary_file.h"
+#include "platform/new_file.h"
 
 namespace {
 
@@ -43,52 +42,6 @@ int usage() {
                  "       emd_pack --check IN                 decode all blocks of IN\n";
     return wrong_arguments;
 }
-
-/// A file that is written under a name of its own first, beside the final one.
-class NewFile {
-  public:
-    explicit NewFile(std::string name)
-        : name_(std::move(name)),
-          part_name_(name_ + ".part"),
-          file_(std::fopen(part_name_.c_str(), "wb")) {}
-    ~NewFile() {
-        if (file_ != nullptr) {
-            file_.reset();
-            remove_part();
-        }
-    }
-    NewFile(const NewFile&) = delete;
-    NewFile& operator=(const NewFile&) = delete;
-
-    [[nodiscard]] bool write(std::span<const std::uint8_t> bytes) {
-        return file_ != nullptr &&
-               std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size();
-    }
-
-    /// Gives the file its name. False, and nothing is left of it, when not all could be written.
-    [[nodiscard]] bool finish() {
-        std::error_code error;
-        const bool written = std::fclose(file_.release()) == 0;
-        if (written) {
-            std::filesystem::rename(part_name_, name_, error);
-        }
-        if (!written || error) {
-            remove_part();
-            return false;
-        }
-        return true;
-    }
-
-  private:
-    void remove_part() {
-        std::error_code ignored;
-        std::filesystem::remove(part_name_, ignored);
-    }
-
-    std::string name_;
-    std::string part_name_;
-    File file_;
-};
 
 std::optional<std::vector<std::uint8_t>> read_whole(const std::string& name) {
     const File file(open_binary(name.c_str()));

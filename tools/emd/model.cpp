@@ -79,7 +79,8 @@ EmdModel emd_choose_model(Bytes bytes, const EmdPackOptions& options) {
     EmdCosts costs = emd_guessed_costs(byte_counts);
     EmdModel model;
     model.block_shift = options.block_shift;
-    model.distances = emd_choose_distances(emd_stretches(bytes, block_size), block_size, costs);
+    model.distances = emd_choose_distances(emd_stretches(bytes, block_size, options.most_compared),
+                                           block_size, costs);
 
     const std::vector<Bytes> sample = sample_blocks(bytes, block_size, options.sample_size);
     const bool is_whole = sample.size() * block_size >= bytes.size();

@@ -13,7 +13,7 @@
 
 namespace {
 
-using Squares = std::array<std::uint32_t, tb_places>;
+using Squares = TbMenSquares;
 
 Squares take_squares(const TbHalfPlan& plan, TbBoard& first, TbBoard& second) {
     Squares squares{};
@@ -225,7 +225,11 @@ std::optional<Capture> capture_by(const TbHalfPlan& plan, const Squares& squares
 
 std::uint32_t tb_half_index(const TbHalfPlan& plan, TbBoard& first, TbBoard& second,
                             std::uint32_t ep, std::uint32_t flip) {
-    Squares squares = take_squares(plan, first, second);
+    return tb_squares_index(plan, take_squares(plan, first, second), ep, flip);
+}
+
+std::uint32_t tb_squares_index(const TbHalfPlan& plan, TbMenSquares squares, std::uint32_t ep,
+                               std::uint32_t flip) {
     normalise(plan, squares, ep, flip);
     Enumeration enumeration(plan, squares);
     if (ep != tb_no_en_passant && plan.en_passant_numbers != 0) {

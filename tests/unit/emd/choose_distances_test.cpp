@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
+#include "emd/model.h"
 #include "emd/symbol_costs.h"
 #include "support/packed_file.h"
 
@@ -17,7 +18,8 @@ EmdCosts flat_costs() {
 }
 
 EmdDistances choose(const PackBytes& bytes, std::size_t block_size) {
-    return emd_choose_distances(emd_stretches(bytes, block_size), block_size, flat_costs());
+    return emd_choose_distances(emd_stretches(bytes, block_size, emd_most_compared), block_size,
+                                flat_costs());
 }
 
 bool contains(const EmdDistances& distances, std::uint32_t distance) {
@@ -107,7 +109,7 @@ TEST(ChooseDistances, LateBytesOfAStretchCount) {
 
 TEST(ChooseDistances, StretchesOfLittleDataAreItsBlocks) {
     const PackBytes bytes(20000);
-    const std::vector<EmdStretch> stretches = emd_stretches(bytes, 8192);
+    const std::vector<EmdStretch> stretches = emd_stretches(bytes, 8192, emd_most_compared);
     ASSERT_EQ(stretches.size(), 3U);
     for (std::size_t i = 0; i < 3; ++i) {
         EXPECT_EQ(stretches[i].block.data(), bytes.data() + i * 8192);
@@ -121,7 +123,8 @@ TEST(ChooseDistances, StretchesOfMuchDataAreSpreadOverIt) {
     for (const unsigned shift : {8U, 13U, 16U}) {
         const std::size_t block_size = std::size_t{1} << shift;
         const PackBytes bytes(5000001);
-        const std::vector<EmdStretch> stretches = emd_stretches(bytes, block_size);
+        const std::vector<EmdStretch> stretches =
+            emd_stretches(bytes, block_size, emd_most_compared);
         EXPECT_GE(stretches.size(), 8U);
         std::size_t work = 0;
         std::size_t last_at = 0;
