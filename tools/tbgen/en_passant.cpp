@@ -16,7 +16,7 @@ bool has(const SquareSet* slab, std::uint32_t word, std::uint32_t square) {
 }  // namespace
 
 EnPassant::EnPassant(const Endgame& endgame, const KingPairs& pairs, std::uint8_t to_move)
-    : endgame_(endgame), to_move_(to_move) {
+    : endgame_(endgame), pairs_(pairs), to_move_(to_move) {
     if (!endgame.en_passant) {
         return;
     }
@@ -93,10 +93,12 @@ void EnPassant::begin(std::size_t slab, const std::vector<CaptureValues>& captur
     const auto values = std::find_if(captures.begin(), captures.end(), [&](const auto& capture) {
         return capture.captured == captured;
     });
+    const SquareSet kings = square_bit(pairs_.kings(slab)[0]) | square_bit(pairs_.kings(slab)[1]);
     for (std::size_t i = 0; i < codes_.size(); ++i) {
         const Code& code = codes_[i];
         State& at = state(slab, i);
-        at.reached = has(open.slab(slab), code.plain.word, code.plain.square) &&
+        at.reached = (kings & square_bit(code.target)) == 0 &&
+                     has(open.slab(slab), code.plain.word, code.plain.square) &&
                      has(open_of_other.slab(slab), code.before.word, code.before.square);
         if (!at.reached) continue;
         for (std::size_t c = 0; c < code.capture_count; ++c) {

@@ -68,6 +68,7 @@ class EnPassant {
     }
 
     const Endgame& endgame_;
+    const KingPairs& pairs_;
     std::uint8_t to_move_;
     std::vector<Code> codes_;
     std::vector<State> states_;

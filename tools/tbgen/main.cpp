@@ -127,8 +127,8 @@ class Maker {
         }
         progress.clear();
         std::cout << std::left << std::setw(6) << name_of(row) << std::right << std::setw(11)
-                  << sizes[0] << std::setw(11) << sizes[1] << "  mate in " << table->longest[0]
-                  << " and " << table->longest[1] << std::endl;
+                  << sizes[0] << std::setw(11) << sizes[1] << "  longest win " << table->longest[0]
+                  << ", of the other side " << table->longest[1] << std::endl;
         return 0;
     }
 

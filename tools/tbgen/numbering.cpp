@@ -68,7 +68,8 @@ std::uint32_t Numbering::enumerated(const Frame& frame, const MenSquares& square
     std::array<std::uint32_t, tb_most_men> a{};
     for (std::size_t i = 0; i < enumerated_count_; ++i) {
         const TbSquare square = squares[enumerated_[i]] ^ frame.flip;
-        const std::uint32_t ordinal = frame.ordinals[i][square];
+        const std::uint8_t* const ordinals = frame.ordinals[i];
+        const std::uint32_t ordinal = ordinals[square];
         if (ordinal == tb_no_square || square == frame.own) {
             return no_number;
         }

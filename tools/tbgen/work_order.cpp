@@ -52,20 +52,23 @@ std::string makefile(const std::vector<std::int32_t>& rows, const std::string& p
     // The second half's file is the last to get its name: it stands for the table.
     const std::string ending = form == TableForm::packed ? ".nbb.emd" : ".nbb";
     const std::vector<std::int32_t> order = in_working_order(rows);
+    const std::string make_table = "\n\t$(TBGEN) --out $(OUT) --threads $(THREADS)" +
+                                   std::string(form == TableForm::plain ? " --plain " : " ");
+    const auto target_of = [&](std::int32_t row) { return "$(OUT)/" + name_of(row) + ending; };
     std::string all;
     std::string rules;
     for (const std::int32_t row : order) {
         const std::string name = name_of(row);
-        all += " " + name;
-        rules += "\n" + name + ": $(OUT)/" + name + ending + "\n$(OUT)/" + name + ending + ":";
+        all.append(" ").append(name);
+        rules.append("\n").append(name).append(": ").append(target_of(row));
+        rules.append("\n").append(target_of(row)).append(":");
         // Behind the bar: made before, but an older table is none the worse for a newer one.
-        std::string needs;
+        std::string_view between = " | ";
         for (const std::int32_t needed : rows_needed_by(row)) {
-            needs += " $(OUT)/" + name_of(needed) + ending;
+            rules.append(between).append(target_of(needed));
+            between = " ";
         }
-        rules += needs.empty() ? "" : " |" + needs;
-        rules += "\n\t$(TBGEN) --out $(OUT) --threads $(THREADS)" +
-                 std::string(form == TableForm::plain ? " --plain " : " ") + name + "\n";
+        rules.append(make_table).append(name).append("\n");
     }
     return "# Endgame tables, one target each; make -jN makes N at a time.\nTBGEN = " + program +
            "\nOUT = " + out + "\nTHREADS = 1\n\n.PHONY: all" + all + "\nall:" + all + "\n" + rules;
