@@ -4,14 +4,32 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <random>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "platform/disk_sync.h"
 
+namespace {
+
+/// A word that no other program writes under at the same time.
+std::string own_word() {
+    constexpr std::string_view digits = "0123456789abcdef";
+    constexpr int length = 8;
+    std::random_device random;
+    std::string word;
+    for (int i = 0; i < length; ++i) {
+        word += digits[random() % digits.size()];
+    }
+    return word;
+}
+
+}  // namespace
+
 NewFile::NewFile(std::string name)
     : name_(std::move(name)),
-      part_name_(name_ + ".part"),
+      part_name_(name_ + "." + own_word() + ".part"),
       file_(std::fopen(part_name_.c_str(), "wb")) {
     if (file_ == nullptr) {
         fail();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A file that gets its name only when all of it is safe on the disk. Until then it lies beside,
-// under the name with ".part" behind it; what was there under the final name stays untouched.
+// under the name with a random word and ".part" behind it; what was there under the final name
+// stays untouched.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +12,7 @@
 
 class NewFile {
   public:
-    /// Begins the file; a part that an interrupted program left behind is overwritten.
+    /// Begins the file.
     explicit NewFile(std::string name);
 
     /// Removes the part if the file was not finished.

@@ -63,6 +63,7 @@ class Maker {
         if (const std::string fault = folder_.make(); !fault.empty()) {
             return fail(fault);
         }
+        folder_.remove_old_parts();
         std::vector<std::int32_t> missing;
         for (const std::int32_t row : in_working_order(options_.rows)) {
             if (!is_complete(row)) {
@@ -92,18 +93,19 @@ class Maker {
     int make(std::int32_t row, Progress& progress) {
         // Of the time that a table takes, the solver has about this share, packing the rest.
         const double solver_share = options_.form == TableForm::packed ? 0.5 : 1;
+        std::string fault;
         std::optional<SolvedTable> table =
             Solver(row, options_.threads)
                 .solve(
                     [&](std::int32_t needed, std::int32_t half) {
-                        return folder_.load(needed, half, options_.threads);
+                        return folder_.load(needed, half, options_.threads, fault);
                     },
                     [&](const std::string& phase, double share) {
                         progress.report(phase, share * solver_share);
                     });
         if (!table) {
             progress.clear();
-            return fail("a table that " + name_of(row) + " needs cannot be read");
+            return fail(fault);
         }
         const std::array<std::size_t, 2> sizes = {table->halves[0].size(), table->halves[1].size()};
         if (options_.form == TableForm::packed) {
@@ -119,7 +121,7 @@ class Maker {
         }
         for (std::int32_t half = 0; half < tb_halves; ++half) {
             const Bytes& bytes = table->halves[static_cast<std::size_t>(half)];
-            const std::string fault = folder_.save(row, half, options_.form, bytes);
+            fault = folder_.save(row, half, options_.form, bytes);
             if (!fault.empty()) {
                 progress.clear();
                 return fail(fault);
@@ -133,6 +135,10 @@ class Maker {
     }
 
     int verify(Progress& progress) {
+        // The engine ends with a message at the first broken file of a folder, whatever it is of.
+        if (const std::string fault = folder_.find_broken(); !fault.empty()) {
+            return fail(fault);
+        }
         int status = 0;
         StoredHalves stored(options_.folder);
         for (const std::int32_t row : options_.rows) {
@@ -162,8 +168,8 @@ int print_graph(const Options& options, const std::string& program) {
     if (text.empty()) {
         return fail("a makefile cannot hold a name such as " + program + " or " + options.folder);
     }
-    std::cout << text;
-    return 0;
+    std::cout << text << std::flush;
+    return std::cout ? 0 : fail("standard output cannot be written");
 }
 
 int run(const std::string& program, const std::vector<std::string>& words) {
@@ -181,7 +187,8 @@ int run(const std::string& program, const std::vector<std::string>& words) {
         return print_graph(*options, program);
     }
     tb_build_enumeration();
-    return Maker(*options).run();
+    const int status = Maker(*options).run();
+    return status != 0 || std::cout ? status : fail("standard output cannot be written");
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <system_error>
 #include <thread>
 #include <vector>
 
@@ -18,8 +19,12 @@ void in_parallel(std::size_t threads, std::size_t count, const Work& work) {
         }
     };
     std::vector<std::jthread> helpers;
-    for (std::size_t i = 1; i < threads && i < count; ++i) {
-        helpers.emplace_back(run);
+    try {
+        for (std::size_t i = 1; i < threads && i < count; ++i) {
+            helpers.emplace_back(run);
+        }
+    } catch (const std::system_error&) {
+        // The system gives no more threads: those that there are do the work.
     }
     run();
 }

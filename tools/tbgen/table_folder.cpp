@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <filesystem>
 #include <memory>
 #include <system_error>
@@ -12,6 +13,9 @@
 #include "platform/binary_file.h"
 #include "platform/new_file.h"
 #include "tb/table_names.h"
+#include "tb/tb_types.h"
+#include "tbgen/endgame.h"
+#include "tbgen/half_length.h"
 #include "tbgen/parallel.h"
 
 namespace {
@@ -35,6 +39,31 @@ std::optional<Bytes> load_plain(const std::string& name) {
         return std::nullopt;
     }
     return bytes;
+}
+
+/// The length of a plain file; empty if there is none.
+std::optional<std::size_t> plain_length(const std::string& name) {
+    const File file(open_binary(name.c_str()));
+    return file == nullptr ? std::nullopt : length_of_binary(file.get());
+}
+
+/// The decoded length that a header tells.
+std::size_t decoded_length(const TbDecoder& decoder) {
+    return static_cast<std::size_t>(decoder.block_count - 1) *
+               static_cast<std::size_t>(decoder.block_size) +
+           static_cast<std::size_t>(decoder.last_block_size);
+}
+
+/// The decoded length of a compressed file; empty if there is none or its header is broken.
+std::optional<std::size_t> packed_length(const std::string& name) {
+    const File file(open_binary(name.c_str()));
+    if (file == nullptr) {
+        return std::nullopt;
+    }
+    const EmdReader reader(file.get());
+    return reader.is_open() && reader.decoder().block_count > 0
+               ? std::optional(decoded_length(reader.decoder()))
+               : std::nullopt;
 }
 
 /// Decodes some blocks of a file into their places. False if one is broken.
@@ -69,9 +98,7 @@ std::optional<Bytes> load_packed(const std::string& name, std::size_t threads) {
         return std::nullopt;
     }
     const std::int32_t blocks = reader.decoder().block_count;
-    Bytes bytes(static_cast<std::size_t>(blocks - 1) *
-                    static_cast<std::size_t>(reader.decoder().block_size) +
-                static_cast<std::size_t>(reader.decoder().last_block_size));
+    Bytes bytes(decoded_length(reader.decoder()));
     // A part has a reader of its own, whose header takes a while: few parts, of many blocks each.
     const auto parts = static_cast<std::int32_t>(threads);
     std::atomic<bool> sound{true};
@@ -108,10 +135,38 @@ std::string TableFolder::file_name(std::int32_t row, std::int32_t half, TableFor
 }
 
 bool TableFolder::has_half(std::int32_t row, std::int32_t half, TableForm form) const {
-    std::error_code error;
     const std::string name = file_name(row, half, form);
-    return std::filesystem::is_regular_file(name, error) &&
-           std::filesystem::file_size(name, error) > 0 && !error;
+    const std::optional<std::size_t> length =
+        form == TableForm::plain ? plain_length(name) : packed_length(name);
+    return length && *length == half_length(row, half);
+}
+
+std::string TableFolder::find_broken() const {
+    for (std::int32_t row = 1; row < tb_rows; ++row) {
+        for (std::int32_t half = 0; half < tb_halves; ++half) {
+            for (const TableForm form : {TableForm::plain, TableForm::packed}) {
+                const std::string name = file_name(row, half, form);
+                std::error_code ignored;
+                if (std::filesystem::exists(name, ignored) && !has_half(row, half, form)) {
+                    return name + ": is broken";
+                }
+            }
+        }
+    }
+    return {};
+}
+
+void TableFolder::remove_old_parts() const {
+    constexpr auto old = std::chrono::hours(1);  // nobody writes one file for so long
+    std::error_code error;
+    const std::filesystem::path folder(path_.empty() ? "." : path_);
+    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
+        if (entry.path().extension() == ".part" &&
+            table_row(entry.path().stem().stem().stem().stem().string()) != 0 &&
+            std::filesystem::file_time_type::clock::now() - entry.last_write_time(error) > old) {
+            std::filesystem::remove(entry.path(), error);
+        }
+    }
 }
 
 bool TableFolder::has(std::int32_t row, TableForm form) const {
@@ -122,12 +177,18 @@ bool TableFolder::has_any(std::int32_t row) const {
     return has(row, TableForm::packed) || has(row, TableForm::plain);
 }
 
-std::optional<Bytes> TableFolder::load(std::int32_t row, std::int32_t half,
-                                       std::size_t threads) const {
-    if (has_half(row, half, TableForm::plain)) {
-        return load_plain(file_name(row, half, TableForm::plain));
+std::optional<Bytes> TableFolder::load(std::int32_t row, std::int32_t half, std::size_t threads,
+                                       std::string& fault) const {
+    const TableForm form =
+        has_half(row, half, TableForm::plain) ? TableForm::plain : TableForm::packed;
+    const std::string name = file_name(row, half, form);
+    std::optional<Bytes> bytes =
+        form == TableForm::plain ? load_plain(name) : load_packed(name, threads);
+    if (!bytes || bytes->size() != half_length(row, half)) {
+        fault = name + ": cannot be read, or is broken";
+        return std::nullopt;
     }
-    return load_packed(file_name(row, half, TableForm::packed), threads);
+    return bytes;
 }
 
 std::string TableFolder::save(std::int32_t row, std::int32_t half, TableForm form,
