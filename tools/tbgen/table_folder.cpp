@@ -8,6 +8,8 @@
 #include <filesystem>
 #include <memory>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "emd/reader.h"
 #include "platform/binary_file.h"
@@ -54,28 +56,30 @@ std::size_t decoded_length(const TbDecoder& decoder) {
            static_cast<std::size_t>(decoder.last_block_size);
 }
 
+/// A compressed file that is open, with a reader of its own.
+struct PackedFile {
+    explicit PackedFile(const std::string& name) : file(open_binary(name.c_str())) {
+        if (file != nullptr) {
+            reader.emplace(file.get());
+        }
+    }
+
+    [[nodiscard]] bool is_open() const {
+        return reader && reader->is_open() && reader->decoder().block_count > 0;
+    }
+
+    File file;
+    std::optional<EmdReader> reader;
+};
+
 /// The decoded length of a compressed file; empty if there is none or its header is broken.
 std::optional<std::size_t> packed_length(const std::string& name) {
-    const File file(open_binary(name.c_str()));
-    if (file == nullptr) {
-        return std::nullopt;
-    }
-    const EmdReader reader(file.get());
-    return reader.is_open() && reader.decoder().block_count > 0
-               ? std::optional(decoded_length(reader.decoder()))
-               : std::nullopt;
+    const PackedFile file(name);
+    return file.is_open() ? std::optional(decoded_length(file.reader->decoder())) : std::nullopt;
 }
 
 /// Decodes some blocks of a file into their places. False if one is broken.
-bool load_blocks(const std::string& name, std::int32_t begin, std::int32_t end, Bytes& bytes) {
-    const File file(open_binary(name.c_str()));
-    if (file == nullptr) {
-        return false;
-    }
-    EmdReader reader(file.get());
-    if (!reader.is_open()) {
-        return false;
-    }
+bool load_blocks(EmdReader& reader, std::int32_t begin, std::int32_t end, Bytes& bytes) {
     for (std::int32_t i = begin; i < end; ++i) {
         const auto block = reader.block(i);
         const std::size_t place =
@@ -89,24 +93,22 @@ bool load_blocks(const std::string& name, std::int32_t begin, std::int32_t end, 
 }
 
 std::optional<Bytes> load_packed(const std::string& name, std::size_t threads) {
-    const File file(open_binary(name.c_str()));
-    if (file == nullptr) {
-        return std::nullopt;
+    // Headers are read one after the other: the engine counts their memory without a lock.
+    std::vector<std::unique_ptr<PackedFile>> parts;
+    for (std::size_t i = 0; i < threads; ++i) {
+        parts.push_back(std::make_unique<PackedFile>(name));
+        if (!parts.back()->is_open()) {
+            return std::nullopt;
+        }
     }
-    const EmdReader reader(file.get());
-    if (!reader.is_open() || reader.decoder().block_count == 0) {
-        return std::nullopt;
-    }
-    const std::int32_t blocks = reader.decoder().block_count;
-    Bytes bytes(decoded_length(reader.decoder()));
-    // A part has a reader of its own, whose header takes a while: few parts, of many blocks each.
-    const auto parts = static_cast<std::int32_t>(threads);
+    const TbDecoder& decoder = parts.front()->reader->decoder();
+    const std::int32_t blocks = decoder.block_count;
+    const std::int32_t share = blocks / static_cast<std::int32_t>(threads) + 1;
+    Bytes bytes(decoded_length(decoder));
     std::atomic<bool> sound{true};
     in_parallel(threads, threads, [&](std::size_t i) {
-        const auto part = static_cast<std::int32_t>(i);
-        const std::int32_t share = blocks / parts + 1;
-        const std::int32_t begin = std::min(blocks, part * share);
-        if (!load_blocks(name, begin, std::min(blocks, begin + share), bytes)) {
+        const std::int32_t begin = std::min(blocks, static_cast<std::int32_t>(i) * share);
+        if (!load_blocks(*parts[i]->reader, begin, std::min(blocks, begin + share), bytes)) {
             sound = false;
         }
     });
