@@ -16,6 +16,7 @@ from pathlib import Path
 
 BOOKS = ("cwhite", "cblack")
 LAUNCHER = "bin/corvane"
+TABLE_MAKER = "bin/corvane-tbgen"
 WORDS = "new\nforce\ne2e4\ngo\nquit\n"
 LOADED = ["Loading white book...", "Loading black book..."]
 
@@ -63,6 +64,14 @@ def check(cmake, build, folder):
         (user_folder / book).write_text("e2e4g8h6\n", encoding="ascii")
     if "move g8h6 " not in start(launcher, environment):
         raise AssertionError("the user's own book is not used")
+
+    # Tables that it makes are found by name.
+    tables = folder / "tables"
+    subprocess.run([str(prefix / TABLE_MAKER), "--out", str(tables), "kqk"], check=True,
+                   stdout=subprocess.DEVNULL, timeout=120)
+    (user_folder / "corvane.ini").write_text(f"TbPath: {tables}\n", encoding="ascii")
+    if "Loading 3-man Endgame  Bases..." not in start(launcher, environment):
+        raise AssertionError("the tables are not found")
 
     # A folder of choice, through a link to the launcher.
     link = folder / "link"

@@ -52,7 +52,7 @@ void HalfWriter::write(std::size_t slab, std::size_t word, SquareSet bits, Value
     }
     for_each_square(in_order(word, bits), [&](TbSquare square) {
         squares[runner_at] = square;
-        const std::uint32_t number = numbering_.number(frame, squares);
+        const std::uint32_t number = numbering_.number_apart(frame, squares);
         if (number < bytes_.size()) {
             bytes_[number] = static_cast<std::uint8_t>(value);
         }

@@ -126,6 +126,18 @@ std::uint32_t Numbering::number(const Frame& frame, const MenSquares& men) const
         }
         occupied |= bit;
     }
+    return number_of_turned(frame, squares);
+}
+
+std::uint32_t Numbering::number_apart(const Frame& frame, const MenSquares& men) const {
+    MenSquares squares{};
+    for (std::size_t i = 0; i < men_; ++i) {
+        squares[i] = frame.turned[men[i]];
+    }
+    return number_of_turned(frame, squares);
+}
+
+std::uint32_t Numbering::number_of_turned(const Frame& frame, const MenSquares& squares) const {
     std::uint32_t number = enumerated(frame, squares);
     if (number == no_number) {
         return no_number;

@@ -41,6 +41,9 @@ class Numbering {
     /// The number of a position, its men in the order of the name without kings.
     [[nodiscard]] std::uint32_t number(const Frame& frame, const MenSquares& men) const;
 
+    /// The same where no two men meet.
+    [[nodiscard]] std::uint32_t number_apart(const Frame& frame, const MenSquares& men) const;
+
   private:
     /// One digit behind the enumeration.
     struct Digit {
@@ -54,6 +57,8 @@ class Numbering {
     };
 
     [[nodiscard]] std::uint8_t man_at(ManPlace place) const;
+    [[nodiscard]] std::uint32_t number_of_turned(const Frame& frame,
+                                                 const MenSquares& squares) const;
     [[nodiscard]] std::uint32_t enumerated(const Frame& frame, const MenSquares& squares) const;
     [[nodiscard]] static std::uint32_t digit_value(const Digit& digit, const Frame& frame,
                                                    const MenSquares& squares);
