@@ -12,6 +12,7 @@
 #include "tb/index/index_family.h"
 #include "tb/probe_raw.h"
 #include "tb/register.h"
+#include "tb/tb_settings.h"
 
 namespace {
 
@@ -32,6 +33,7 @@ std::uint64_t size_of(std::int32_t row, std::size_t half) {
 
 StoredHalves::StoredHalves(const std::string& folder)
     : folder_(folder), cache_(cache_blocks * tb_entry_size) {
+    tb_use_crc = 1;  // a proof tests the checksums too
     static_cast<void>(TbRegisterAll(folder));
     static_cast<void>(TbCacheInit(cache_.data(), static_cast<std::uint32_t>(cache_.size())));
 }

@@ -123,7 +123,8 @@ std::string TableFolder::make() const {
     }
     std::error_code error;
     std::filesystem::create_directories(path_, error);
-    if (std::filesystem::is_directory(path_)) {
+    std::error_code look_error;
+    if (std::filesystem::is_directory(path_, look_error)) {
         return {};
     }
     return path_ + ": " + (error ? error.message() : "is no folder");
@@ -162,11 +163,15 @@ void TableFolder::remove_old_parts() const {
     constexpr auto old = std::chrono::hours(1);  // nobody writes one file for so long
     std::error_code error;
     const std::filesystem::path folder(path_.empty() ? "." : path_);
-    for (const auto& entry : std::filesystem::directory_iterator(folder, error)) {
-        if (entry.path().extension() == ".part" &&
-            table_row(entry.path().stem().stem().stem().stem().string()) != 0 &&
-            std::filesystem::file_time_type::clock::now() - entry.last_write_time(error) > old) {
-            std::filesystem::remove(entry.path(), error);
+    std::filesystem::directory_iterator entries(folder, error);
+    for (; !error && entries != std::filesystem::directory_iterator(); entries.increment(error)) {
+        const std::filesystem::directory_entry& entry = *entries;
+        std::error_code time_error;
+        const auto written = entry.last_write_time(time_error);
+        const std::string table = entry.path().stem().stem().stem().stem().string();
+        if (!time_error && entry.path().extension() == ".part" && table_row(table) != 0 &&
+            std::filesystem::file_time_type::clock::now() - written > old) {
+            std::filesystem::remove(entry.path(), time_error);
         }
     }
 }
