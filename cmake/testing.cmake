@@ -1,8 +1,10 @@
 # One line a test in the lists: corvane_test(), corvane_transcript(), corvane_fuzz().
 
+include(unit_tests)
 if(CORVANE_TESTS)
     find_package(GTest REQUIRED)
     include(GoogleTest)
+    corvane_unit_test_headers()
 endif()
 find_package(Python3 COMPONENTS Interpreter)
 
@@ -24,9 +26,17 @@ function(corvane_test name)
         # g++ 12 sees overflows in strings that it has inlined across files at link time.
         target_link_options(${name} PRIVATE -Wno-stringop-overflow)
     endif()
+    if(arg_LABEL STREQUAL "unit")
+        corvane_quick_to_build(${name})
+    endif()
+    # The longest cases are among these; begun last, one of them would keep one core waiting.
+    set(cost 0)
+    if(arg_LABEL MATCHES "^(property|slow)$")
+        set(cost 100)
+    endif()
     gtest_discover_tests(${name} TEST_PREFIX "${name}." DISCOVERY_TIMEOUT 60
         WORKING_DIRECTORY "${CMAKE_CURRENT_BINARY_DIR}"
-        PROPERTIES LABELS ${arg_LABEL} TIMEOUT ${arg_TIMEOUT})
+        PROPERTIES LABELS ${arg_LABEL} TIMEOUT ${arg_TIMEOUT} COST ${cost})
 endfunction()
 
 # corvane_transcript(file): the real program in an empty folder, its words compared whole.
@@ -46,6 +56,10 @@ function(corvane_fuzz name)
     corvane_warnings(fuzz_${name})
     if(CORVANE_LIBFUZZER)
         target_link_options(fuzz_${name} PRIVATE -fsanitize=fuzzer)
+        if(NOT TARGET fuzz_targets)
+            add_custom_target(fuzz_targets)
+        endif()
+        add_dependencies(fuzz_targets fuzz_${name})
     else()
         target_sources(fuzz_${name} PRIVATE replay_main.cpp)
         add_test(NAME corpus.${name}
