@@ -2,6 +2,7 @@
 // The two models are chosen side by side, then all blocks are packed by turns.
 #include "tbgen/packing.h"
 
+#include <algorithm>
 #include <atomic>
 #include <span>
 #include <thread>
@@ -17,9 +18,15 @@ namespace {
 
 constexpr std::size_t block_size = tb_block_size;
 
-// Less than a single file is measured by: tables come by the hundred, and their files grow by less
-// than a hundredth.
-constexpr EmdPackOptions options{13, std::size_t{1} << 20U, std::size_t{1} << 26U};
+/// Less than a single file is measured by: tables come by the hundred, and their files grow by less
+/// than a hundredth.
+EmdPackOptions options_for(std::size_t size) {
+    constexpr unsigned block_shift = 13;
+    constexpr std::size_t sample_size = std::size_t{1} << 20U;
+    constexpr std::size_t most_compared = std::size_t{1} << 26U;
+    constexpr std::size_t compared_a_byte = 512;
+    return {block_shift, sample_size, std::min(most_compared, size * compared_a_byte)};
+}
 
 /// One half in work.
 struct Job {
@@ -41,7 +48,7 @@ std::optional<std::array<Bytes, 2>> pack_halves(const std::array<Bytes, 2>& halv
     std::array<Job, 2> jobs;
     in_parallel(threads, jobs.size(), [&](std::size_t i) {
         jobs[i].bytes = halves[i];
-        jobs[i].model = emd_choose_model(halves[i], options);
+        jobs[i].model = emd_choose_model(halves[i], options_for(halves[i].size()));
         jobs[i].packer.emplace(jobs[i].model);
         jobs[i].blocks.resize((halves[i].size() + block_size - 1) / block_size);
     });
