@@ -55,7 +55,8 @@ bool NewFile::write(std::span<const std::uint8_t> bytes) {
     if (!error_.empty()) {
         return false;
     }
-    return std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size() || fail();
+    return bytes.empty() ||
+           std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size() || fail();
 }
 
 bool NewFile::finish() {

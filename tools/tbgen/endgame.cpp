@@ -110,11 +110,11 @@ EndgameAddress address_of(const MenList& men) {
     if (men.size() == 0) {
         return address;
     }
-    address.row = table_row(name_of(men));
+    address.row = row_of_name(name_of(men));
     address.swapped = address.row == 0;
     const MenList seen = address.swapped ? with_sides_exchanged(men) : men;
     if (address.swapped) {
-        address.row = table_row(name_of(seen));
+        address.row = row_of_name(name_of(seen));
     }
     std::array<std::uint8_t, tb_most_men> order = {0, 1, 2};
     std::stable_sort(
@@ -147,7 +147,7 @@ std::array<TbSquare, tb_most_men + 2> squares_by_name(const EndgameAddress& addr
     return result;
 }
 
-std::int32_t table_row(std::string_view name) {
+std::int32_t row_of_name(std::string_view name) {
     const auto* const found = std::find(tb_names.begin() + 1, tb_names.end(), name);
     return found == tb_names.end() ? 0 : static_cast<std::int32_t>(found - tb_names.begin());
 }

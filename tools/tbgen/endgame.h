@@ -96,7 +96,7 @@ struct EndgameAddress {
     const MenSquares& squares);
 
 /// The row of a name, 1 to 145; 0 if there is no such table.
-[[nodiscard]] std::int32_t table_row(std::string_view name);
+[[nodiscard]] std::int32_t row_of_name(std::string_view name);
 
 /// Rows of the tables that captures and promotions of a table lead to, each once, in their order.
 [[nodiscard]] std::vector<std::int32_t> rows_needed_by(std::int32_t row);

@@ -66,7 +66,7 @@ class Reader {
             return take_value(word);
         } else if (word.starts_with("-")) {
             return fail("no such option: " + word);
-        } else if (const std::int32_t row = table_row(word); row != 0) {
+        } else if (const std::int32_t row = row_of_name(word); row != 0) {
             rows_.insert(row);
         } else {
             return fail("no such table: " + word);

@@ -38,6 +38,10 @@ StoredHalves::StoredHalves(const std::string& folder)
     static_cast<void>(TbCacheInit(cache_.data(), static_cast<std::uint32_t>(cache_.size())));
 }
 
+StoredHalves::~StoredHalves() {
+    reset_tables();  // the cache's memory goes with this object
+}
+
 const Bytes* StoredHalves::half(std::int32_t row, std::int32_t half, std::string& fault) {
     const auto found = halves_.find({row, half});
     if (found != halves_.end()) {

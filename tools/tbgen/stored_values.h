@@ -23,6 +23,12 @@ class StoredHalves {
     /// Registers the tables of a folder, which ends the program if one of them is broken.
     explicit StoredHalves(const std::string& folder);
 
+    /// No table is registered any more.
+    ~StoredHalves();
+
+    StoredHalves(const StoredHalves&) = delete;
+    StoredHalves& operator=(const StoredHalves&) = delete;
+
     /// All bytes of a half; null, and `fault` tells why, if it cannot be read.
     [[nodiscard]] const Bytes* half(std::int32_t row, std::int32_t half, std::string& fault);
 

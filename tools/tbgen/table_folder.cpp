@@ -169,7 +169,7 @@ void TableFolder::remove_old_parts() const {
         std::error_code time_error;
         const auto written = entry.last_write_time(time_error);
         const std::string table = entry.path().stem().stem().stem().stem().string();
-        if (!time_error && entry.path().extension() == ".part" && table_row(table) != 0 &&
+        if (!time_error && entry.path().extension() == ".part" && row_of_name(table) != 0 &&
             std::filesystem::file_time_type::clock::now() - written > old) {
             std::filesystem::remove(entry.path(), time_error);
         }

@@ -152,8 +152,10 @@ class Verifier {
         fault_ = name_ + ": kings " + square_text(position.kings[0]) + " " +
                  square_text(position.kings[1]) + ", men";
         for (std::size_t i = 0; i < men_.size(); ++i) {
-            fault_ += " " + std::string(1, " pnbrq"[men_[i].kind]) +
-                      square_text(position.squares[i]) + " (" + side_text(men_[i].side) + ")";
+            fault_ += ' ';
+            fault_ += " pnbrq"[men_[i].kind];
+            fault_ += square_text(position.squares[i]);
+            fault_ += std::string(" (") + side_text(men_[i].side) + ")";
         }
         fault_ += std::string(", ") + side_text(position.to_move) + " to move: stored " +
                   std::to_string(stored) + ", by its successors " + std::to_string(wanted);
