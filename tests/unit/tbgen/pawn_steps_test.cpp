@@ -76,7 +76,7 @@ TEST(PawnSteps, PawnsBesideEnemyPosts) {
     EXPECT_EQ(beside_enemy_posts(endgame, word_of("d5", "h5"), 1), set_of({"c5", "e5", "g5"}));
     EXPECT_EQ(beside_enemy_posts(endgame, word_of("d4", "h6"), 1), 0U);
     EXPECT_EQ(beside_enemy_posts(endgame, word_of("d4", "d5"), 0), 0U);  // own ones
-    const Endgame rook = endgame_of(row_of_name("krpkp"));                 // p0 p1 r0
+    const Endgame rook = endgame_of(row_of_name("krpkp"));               // p0 p1 r0
     EXPECT_EQ(beside_enemy_posts(rook, word_of("d4", "e4"), 0), set_of({"d4", "f4"}));
     EXPECT_EQ(beside_enemy_posts(rook, word_of("d4", "e5"), 0), 0U);
     EXPECT_EQ(beside_enemy_posts(rook, word_of("d5", "e5"), 1), set_of({"c5", "e5"}));
@@ -95,7 +95,7 @@ TEST(PawnSteps, RunnersBesideAPost) {
     const Endgame rook = endgame_of(row_of_name("krpkp"));
     EXPECT_EQ(runners_beside(rook, word_of("d4", "e4"), 0, named_square("d4")), all_squares);
     EXPECT_EQ(runners_beside(rook, word_of("d4", "f4"), 0, named_square("d4")), 0U);
-    EXPECT_EQ(
-        runners_beside(endgame_of(row_of_name("kppkn")), word_of("d4", "e4"), 0, named_square("d4")),
-        0U);
+    EXPECT_EQ(runners_beside(endgame_of(row_of_name("kppkn")), word_of("d4", "e4"), 0,
+                             named_square("d4")),
+              0U);
 }

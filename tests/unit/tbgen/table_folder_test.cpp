@@ -101,7 +101,8 @@ TEST_F(TableFolderTest, LoadsPlainAndPackedHalves) {
     }
     copy("kpk.nbb.emd");
     for (const std::size_t threads : {1U, 2U, 3U, 16U}) {
-        EXPECT_EQ(loaded(TableFolder(""), "kpk", 1, threads), three_men_bytes(row_of_name("kpk"), 1));
+        EXPECT_EQ(loaded(TableFolder(""), "kpk", 1, threads),
+                  three_men_bytes(row_of_name("kpk"), 1));
     }
 }
 
