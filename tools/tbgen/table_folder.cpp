@@ -60,16 +60,16 @@ std::size_t decoded_length(const TbDecoder& decoder) {
 struct PackedFile {
     explicit PackedFile(const std::string& name) : file(open_binary(name.c_str())) {
         if (file != nullptr) {
-            reader.emplace(file.get());
+            reader = std::make_unique<EmdReader>(file.get());
         }
     }
 
     [[nodiscard]] bool is_open() const {
-        return reader && reader->is_open() && reader->decoder().block_count > 0;
+        return reader != nullptr && reader->is_open() && reader->decoder().block_count > 0;
     }
 
     File file;
-    std::optional<EmdReader> reader;
+    std::unique_ptr<EmdReader> reader;
 };
 
 /// The decoded length of a compressed file; empty if there is none or its header is broken.
