@@ -51,3 +51,19 @@ std::optional<std::uint64_t> length_of_binary(std::FILE* file) {
     }
     return static_cast<std::uint64_t>(length);
 }
+
+std::optional<std::vector<std::uint8_t>> read_binary(const char* name) {
+    const BinaryStream file(open_binary(name));
+    if (file == nullptr) {
+        return std::nullopt;
+    }
+    const std::optional<std::uint64_t> length = length_of_binary(file.get());
+    if (!length || !seek_binary(file.get(), 0)) {
+        return std::nullopt;
+    }
+    std::vector<std::uint8_t> bytes(*length);
+    if (std::fread(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) {
+        return std::nullopt;
+    }
+    return bytes;
+}

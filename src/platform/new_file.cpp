@@ -3,6 +3,7 @@
 #include "platform/new_file.h"
 
 #include <cerrno>
+#include <cstdio>
 #include <filesystem>
 #include <random>
 #include <string_view>

@@ -5,10 +5,10 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
-#include <memory>
 #include <span>
 #include <string>
+
+#include "platform/binary_file.h"
 
 class NewFile {
   public:
@@ -32,15 +32,11 @@ class NewFile {
     [[nodiscard]] const std::string& error() const { return error_; }
 
   private:
-    struct Close {
-        void operator()(std::FILE* file) const { std::fclose(file); }
-    };
-
     /// Takes down the system's words for what has just failed; gives false.
     bool fail();
 
     std::string name_;
     std::string part_name_;
     std::string error_;
-    std::unique_ptr<std::FILE, Close> file_;
+    BinaryStream file_;
 };

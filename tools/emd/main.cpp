@@ -4,9 +4,7 @@
 #include <array>
 #include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <iostream>
-#include <memory>
 #include <new>
 #include <optional>
 #include <span>
@@ -24,11 +22,6 @@ namespace {
 constexpr int failed = 1;
 constexpr int wrong_arguments = 2;
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
 /// Tells of a fault of a file; gives the exit status.
 int fail(const std::string& name, std::string_view fault) {
     std::cerr << "emd_pack: " << name << ": " << fault << '\n';
@@ -43,24 +36,8 @@ int usage() {
     return wrong_arguments;
 }
 
-std::optional<std::vector<std::uint8_t>> read_whole(const std::string& name) {
-    const File file(open_binary(name.c_str()));
-    if (file == nullptr) {
-        return std::nullopt;
-    }
-    const std::optional<std::uint64_t> length = length_of_binary(file.get());
-    if (!length || !seek_binary(file.get(), 0)) {
-        return std::nullopt;
-    }
-    std::vector<std::uint8_t> bytes(*length);
-    if (std::fread(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) {
-        return std::nullopt;
-    }
-    return bytes;
-}
-
 int pack(const std::string& in, const std::string& out, const EmdPackOptions& options) {
-    const auto bytes = read_whole(in);
+    const auto bytes = read_binary(in.c_str());
     if (!bytes) {
         return fail(in, "cannot be read");
     }
@@ -86,7 +63,7 @@ struct Source {
         }
     }
 
-    File file;
+    BinaryStream file;
     std::optional<EmdReader> reader;
 };
 

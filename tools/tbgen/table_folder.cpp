@@ -22,30 +22,9 @@
 
 namespace {
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using File = std::unique_ptr<std::FILE, CloseFile>;
-
-std::optional<Bytes> load_plain(const std::string& name) {
-    const File file(open_binary(name.c_str()));
-    if (file == nullptr) {
-        return std::nullopt;
-    }
-    const std::optional<std::uint64_t> length = length_of_binary(file.get());
-    if (!length || !seek_binary(file.get(), 0)) {
-        return std::nullopt;
-    }
-    Bytes bytes(*length);
-    if (std::fread(bytes.data(), 1, bytes.size(), file.get()) != bytes.size()) {
-        return std::nullopt;
-    }
-    return bytes;
-}
-
 /// The length of a plain file; empty if there is none.
 std::optional<std::size_t> plain_length(const std::string& name) {
-    const File file(open_binary(name.c_str()));
+    const BinaryStream file(open_binary(name.c_str()));
     return file == nullptr ? std::nullopt : length_of_binary(file.get());
 }
 
@@ -68,7 +47,7 @@ struct PackedFile {
         return reader != nullptr && reader->is_open() && reader->decoder().block_count > 0;
     }
 
-    File file;
+    BinaryStream file;
     std::unique_ptr<EmdReader> reader;
 };
 
@@ -190,7 +169,7 @@ std::optional<Bytes> TableFolder::load(std::int32_t row, std::int32_t half, std:
         has_half(row, half, TableForm::plain) ? TableForm::plain : TableForm::packed;
     const std::string name = file_name(row, half, form);
     std::optional<Bytes> bytes =
-        form == TableForm::plain ? load_plain(name) : load_packed(name, threads);
+        form == TableForm::plain ? read_binary(name.c_str()) : load_packed(name, threads);
     if (!bytes || bytes->size() != half_length(row, half)) {
         fault = name + ": cannot be read, or is broken";
         return std::nullopt;

@@ -6,9 +6,10 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <limits>
-#include <memory>
+#include <optional>
 #include <string>
 #include <sys/stat.h>
+#include <vector>
 
 #include "support/failing_seeks.h"
 #include "support/open_files.h"
@@ -18,10 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
-using OpenedFile = std::unique_ptr<std::FILE, CloseFile>;
+using OpenedFile = BinaryStream;
 
 OpenedFile opened(const std::string& name) {
     return OpenedFile(open_binary(name.c_str()));
@@ -150,6 +148,17 @@ TEST_F(BinaryFile, LengthIsCountedInBytesAndLeavesTheEnd) {
         EXPECT_EQ(std::fgetc(file.get()), EOF);
         EXPECT_EQ(length_of_binary(file.get()), length);
     }
+}
+
+TEST_F(BinaryFile, IsReadWhole) {
+    for (const std::size_t length : {0U, 1U, 100'000U}) {
+        write_file("file", std::string(length, 'x'));
+        EXPECT_EQ(read_binary("file"), std::vector<std::uint8_t>(length, 'x'));
+    }
+    EXPECT_EQ(read_binary("absent"), std::nullopt);
+    EXPECT_EQ(read_binary("."), std::nullopt);
+    const FailingSeeks seeks(SeekFault::of_end);
+    EXPECT_EQ(read_binary("file"), std::nullopt);
 }
 
 TEST_F(BinaryFile, LengthThatCannotBeFoundIsEmpty) {
