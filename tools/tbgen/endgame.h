@@ -73,6 +73,11 @@ struct Endgame {
     [[nodiscard]] TbSquare post_square(std::size_t word, std::size_t post) const {
         return static_cast<TbSquare>(word / stride(post)) % 64;
     }
+
+    /// The word with a post on another square.
+    [[nodiscard]] std::size_t with_post(std::size_t word, std::size_t post, TbSquare to) const {
+        return word + to * stride(post) - post_square(word, post) * stride(post);
+    }
 };
 
 /// The table of a row, 1 to 145.

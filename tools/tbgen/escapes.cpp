@@ -22,11 +22,6 @@ struct Escapes::At {
 
 namespace {
 
-std::size_t with_post(const Endgame& endgame, std::size_t word, std::size_t post, TbSquare to) {
-    const std::size_t stride = endgame.stride(post);
-    return word + to * stride - endgame.post_square(word, post) * stride;
-}
-
 /// The word of the men that are left when one is captured: the posts but for one, the runner last.
 std::size_t word_without(const Endgame& endgame, std::size_t word, std::size_t post) {
     return endgame.posts() == 2 ? endgame.post_square(word, 1 - post) : 0;
@@ -57,9 +52,7 @@ void Escapes::pawn_post_moves(At& at, std::size_t post) const {
     const PawnWay way = pawn_way(pawn.side);
     const TbSquare square = endgame_.post_square(at.word, post);
     const SquareSet* const open = open_.slab(at.slab);
-    const auto open_with = [&](TbSquare to) {
-        return open[with_post(endgame_, at.word, post, to)];
-    };
+    const auto open_with = [&](TbSquare to) { return open[endgame_.with_post(at.word, post, to)]; };
     const TbSquare one = square_ahead(way, square, 1);
     if ((at.occupied & square_bit(one)) != 0) {
         return;
@@ -91,7 +84,7 @@ void Escapes::post_moves(At& at, std::size_t post) const {
     const SquareSet* const open = open_.slab(at.slab);
     if (kind == tb_knight) {
         for_each_square(knight_reach(square_bit(square)) & ~at.occupied,
-                        [&](TbSquare to) { at.add(open[with_post(endgame_, at.word, post, to)]); });
+                        [&](TbSquare to) { at.add(open[endgame_.with_post(at.word, post, to)]); });
         return;
     }
     const Rays& rays = rays_from(square);
@@ -103,7 +96,7 @@ void Escapes::post_moves(At& at, std::size_t post) const {
             const TbSquare to = rays.squares[way][i];
             clear &= ~square_bit(to);
             if ((at.occupied & square_bit(to)) != 0 || (clear & at.left) == 0) break;
-            at.add(clear & open[with_post(endgame_, at.word, post, to)]);
+            at.add(clear & open[endgame_.with_post(at.word, post, to)]);
         }
     }
 }

@@ -16,13 +16,6 @@ struct From {
     SquareSet occupied;  ///< by kings and posts
 };
 
-/// The word with a post on another square.
-std::size_t with_post(const Endgame& endgame, std::size_t word, std::size_t post, TbSquare from,
-                      TbSquare to) {
-    const std::size_t stride = endgame.stride(post);
-    return word + to * stride - from * stride;
-}
-
 void take_back_slider(const From& from, std::size_t post, SquareSet* to) {
     const TbSquare square = from.endgame.post_square(from.word, post);
     const std::uint8_t kind = from.endgame.men[post].kind;
@@ -35,7 +28,7 @@ void take_back_slider(const From& from, std::size_t post, SquareSet* to) {
             const TbSquare origin = rays.squares[way][i];
             bits &= ~square_bit(origin);
             if ((from.occupied & square_bit(origin)) != 0 || bits == 0) break;
-            to[with_post(from.endgame, from.word, post, square, origin)] |= bits;
+            to[from.endgame.with_post(from.word, post, origin)] |= bits;
         }
     }
 }
@@ -43,8 +36,7 @@ void take_back_slider(const From& from, std::size_t post, SquareSet* to) {
 void take_back_knight(const From& from, std::size_t post, SquareSet* to) {
     const TbSquare square = from.endgame.post_square(from.word, post);
     for_each_square(knight_reach(square_bit(square)) & ~from.occupied, [&](TbSquare origin) {
-        to[with_post(from.endgame, from.word, post, square, origin)] |=
-            from.bits & ~square_bit(origin);
+        to[from.endgame.with_post(from.word, post, origin)] |= from.bits & ~square_bit(origin);
     });
 }
 
@@ -52,7 +44,7 @@ void take_back_pawn_post(const From& from, std::size_t post, SquareSet* to) {
     const PawnWay way = pawn_way(from.endgame.men[post].side);
     const TbSquare square = from.endgame.post_square(from.word, post);
     const auto put = [&](TbSquare origin, SquareSet bits) {
-        to[with_post(from.endgame, from.word, post, square, origin)] |= bits;
+        to[from.endgame.with_post(from.word, post, origin)] |= bits;
     };
     if (square / board_width == way.code_rank) {
         put(square_ahead(way, square, 1), from.bits);  // a double step
@@ -115,38 +107,26 @@ MenSquares squares_of_cell(const MenList& men, std::size_t cell) {
     return squares;
 }
 
-/// The position of all men, the captured one put back among those that are left. It may have been
-/// any of its kind, so each placement of alike men gets its bit.
-class FullPosition {
-  public:
-    FullPosition(const Endgame& endgame, EndgameMan captured)
-        : endgame_(endgame), captured_(captured) {}
-
-    /// Adds the position with the captured man on a square.
-    void add(const MenSquares& left, TbSquare captured, SquareSet* to) const {
-        for (std::size_t place = 0; place < endgame_.men.size(); ++place) {
-            if (!(endgame_.men[place] == captured_)) continue;
-            std::size_t word = 0;
-            TbSquare square = 0;
-            for (std::size_t i = 0; i < endgame_.men.size(); ++i) {
-                square = i == place ? captured : left[i < place ? i : i - 1];
-                word = i < endgame_.posts() ? word * 64 + square : word;
-            }
-            to[word] |= square_bit(square);
-        }
-    }
-
-  private:
-    const Endgame& endgame_;
-    EndgameMan captured_;
-};
-
 /// Whether a captured man can have stood on a square.
 bool can_stand(EndgameMan man, TbSquare square) {
     return man.kind != tb_pawn || (square_bit(square) & pawn_ranks) != 0;
 }
 
 }  // namespace
+
+void add_with_man(const Endgame& endgame, EndgameMan man, TbSquare on, const MenSquares& others,
+                  SquareSet* to) {
+    for (std::size_t place = 0; place < endgame.men.size(); ++place) {
+        if (!(endgame.men[place] == man)) continue;
+        std::size_t word = 0;
+        TbSquare square = 0;
+        for (std::size_t i = 0; i < endgame.men.size(); ++i) {
+            square = i == place ? on : others[i < place ? i : i - 1];
+            word = i < endgame.posts() ? word * 64 + square : word;
+        }
+        to[word] |= square_bit(square);
+    }
+}
 
 void take_back_men(const Endgame& endgame, const KingSquares& kings, std::uint8_t mover,
                    const SquareSet* from, SquareSet* to) {
@@ -192,7 +172,6 @@ void take_back_king(const Endgame& endgame, const KingMove& move, const SquareSe
 void take_back_captures(const Endgame& endgame, const KingSquares& kings, EndgameMan captured,
                         const OutsideValues& outside, std::size_t slab, Value value,
                         SquareSet* to) {
-    const FullPosition full(endgame, captured);
     const MenList& men = outside.men();
     const SquareSet king_squares = square_bit(kings[0]) | square_bit(kings[1]);
     outside.for_each_cell(slab, value, [&](std::size_t cell) {
@@ -212,7 +191,7 @@ void take_back_captures(const Endgame& endgame, const KingSquares& kings, Endgam
             MenSquares before = left;
             for_each_square(capture_origins(men[i], left[i], occupied), [&](TbSquare origin) {
                 before[i] = origin;
-                full.add(before, left[i], to);
+                add_with_man(endgame, captured, left[i], before, to);
             });
         }
     });
@@ -223,7 +202,6 @@ void take_back_king_captures(const Endgame& endgame, const KingMove& move, Endga
     if (!can_stand(captured, move.to)) {
         return;
     }
-    const FullPosition full(endgame, captured);
     const MenList& men = outside.men();
     const auto& turned_back = turned_squares[inverse(move.turn)];
     outside.for_each_cell(move.slab, value, [&](std::size_t cell) {
@@ -234,7 +212,7 @@ void take_back_king_captures(const Endgame& endgame, const KingMove& move, Endga
             left[i] = turned_back[left[i]];
         }
         if (!has_promoted) {
-            full.add(left, move.to, to);
+            add_with_man(endgame, captured, move.to, left, to);
         }
     });
 }

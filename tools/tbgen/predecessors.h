@@ -8,6 +8,11 @@
 #include "tbgen/outside_values.h"
 #include "tbgen/position_set.h"
 
+/// Adds the position of a man and the others, who stand in the order of the layout without it. It
+/// may be any of its kind, so each placement of alike men gets its bit.
+void add_with_man(const Endgame& endgame, EndgameMan man, TbSquare on, const MenSquares& others,
+                  SquareSet* to);
+
 /// Takes back the moves of `mover`'s men but for its king within a slab. Adds positions with
 /// `mover` to move to `to`, a slab; some of them may be illegal. `from` has legal positions and
 /// codes with the other side to move.

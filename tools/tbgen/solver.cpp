@@ -101,21 +101,11 @@ void Solver::add_promotions(Half& half, std::size_t slab, Value value, SquareSet
         const EndgameMan pawn{promotions.mover(), tb_pawn};
         const TbSquare last_rank = pawn_way(pawn.side).last_rank * board_width;
         promotions.for_each_cell(slab, value, [&](std::size_t cell) {
-            MenSquares squares{};
-            for (std::size_t i = endgame_.men.size(); i-- > 1; cell /= 64) {
-                squares[i] = static_cast<TbSquare>(cell % 64);
+            MenSquares others{};
+            for (std::size_t i = endgame_.posts(); i-- > 0; cell /= 64) {
+                others[i] = static_cast<TbSquare>(cell % 64);
             }
-            squares[0] = last_rank + static_cast<TbSquare>(cell);
-            for (std::size_t place = 0; place < endgame_.men.size(); ++place) {
-                if (!(endgame_.men[place] == pawn)) continue;
-                std::size_t word = 0;
-                TbSquare square = 0;
-                for (std::size_t i = 0; i < endgame_.men.size(); ++i) {
-                    square = i == place ? squares[0] : squares[i < place ? i + 1 : i];
-                    word = i < endgame_.posts() ? word * 64 + square : word;
-                }
-                to[word] |= square_bit(square);
-            }
+            add_with_man(endgame_, pawn, last_rank + static_cast<TbSquare>(cell), others, to);
         });
     }
 }
