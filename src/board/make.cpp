@@ -50,7 +50,7 @@ void take_en_passant(Table& table, Square to, [[maybe_unused]] UndoRecord* undo)
         undo->undo_kind = undo_capture;
         undo->captured = Enemy::pawn;
     }
-    lift_pawn<Enemy::self, Recorded>(table, taken);
+    lift_pawn<Enemy::self>(table, taken);
     table.at(taken) = empty_square;
     --table.Kol_figur;
 }
@@ -58,7 +58,7 @@ void take_en_passant(Table& table, Square to, [[maybe_unused]] UndoRecord* undo)
 template <Side S, bool Recorded>
 void move_pawn(Table& table, Square from, Square to, PieceCode info, UndoRecord* undo) {
     using Own = SideTraits<S>;
-    lift_pawn<S, Recorded>(table, from);
+    lift_pawn<S>(table, from);
     if (!Own::on_last_rank(to)) [[likely]] {
         toggle_pawn_keys<S>(table, to);
         table.*Own::pawns |= mask_of(to);
@@ -119,8 +119,7 @@ void play(Table& table, Square from, Square to, PieceCode info, UndoRecord* undo
             undo->undo_kind = undo_capture;
             undo->captured = target;
         }
-        lift_captured<Recorded>(table, target,
-                                to);  // the mailbox entry is overwritten by the mover below
+        lift_captured(table, target, to);  // the mailbox entry is overwritten by the mover below
     }
     table.ep_flag = 0;  // ep_square keeps its old value
     switch (table.at(from)) {

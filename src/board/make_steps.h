@@ -24,47 +24,39 @@ inline void toggle_pawn_keys(Table& table, Square square) {
     table.pawn_hash ^= pawn_key(S, square);
 }
 
-/// Takes a man's bit off a bitboard. A recorded move flips it: taking back flips it again, which
-/// restores any board, also one set up by hand whose bitboards and mailbox disagree. A final move
-/// clears it.
-template <bool Recorded>
-inline void lift_bit(Bitboard& men, Square square) {
-    if constexpr (Recorded) {
-        men ^= mask_of(square);
-    } else {
-        men &= ~mask_of(square);
-    }
-}
-
 /// Takes a captured man that is no pawn out of the keys and its bitboard.
-template <PieceCode Man, bool Recorded>
+///
+/// Intended(lifted-bits-flip): the bit is flipped, not cleared, whether the move is recorded or
+/// final, and taking back flips it again. So where mailbox and bitboards disagree (set up by hand,
+/// or left so by quiescence at the limit of plies) a man without a bit leaves one behind.
+template <PieceCode Man>
 inline void lift_officer(Table& table, Square square) {
     toggle_keys<Man>(table, square);
-    lift_bit<Recorded>(table.*bitboard_of(Man), square);
+    table.*bitboard_of(Man) ^= mask_of(square);
 }
 
-/// Takes a pawn, captured or about to move, out of the keys and its bitboard.
-template <Side S, bool Recorded>
+/// Takes a pawn, captured or about to move, out of the keys and its bitboard; its bit is flipped as
+/// in `lift_officer`.
+template <Side S>
 inline void lift_pawn(Table& table, Square square) {
     toggle_pawn_keys<S>(table, square);
-    lift_bit<Recorded>(table.*SideTraits<S>::pawns, square);
+    table.*SideTraits<S>::pawns ^= mask_of(square);
 }
 
 /// Takes a captured man out of the keys and its bitboard. Kings have no branch: a king that is
 /// taken (when the side to move was changed by hand) leaves the keys as they are.
-template <bool Recorded>
 inline void lift_captured(Table& table, PieceCode code, Square square) {
     switch (code) {
-        case w_pawn: lift_pawn<white, Recorded>(table, square); break;
-        case w_knight: lift_officer<w_knight, Recorded>(table, square); break;
-        case w_bishop: lift_officer<w_bishop, Recorded>(table, square); break;
-        case w_rook: lift_officer<w_rook, Recorded>(table, square); break;
-        case w_queen: lift_officer<w_queen, Recorded>(table, square); break;
-        case b_pawn: lift_pawn<black, Recorded>(table, square); break;
-        case b_knight: lift_officer<b_knight, Recorded>(table, square); break;
-        case b_bishop: lift_officer<b_bishop, Recorded>(table, square); break;
-        case b_rook: lift_officer<b_rook, Recorded>(table, square); break;
-        case b_queen: lift_officer<b_queen, Recorded>(table, square); break;
+        case w_pawn: lift_pawn<white>(table, square); break;
+        case w_knight: lift_officer<w_knight>(table, square); break;
+        case w_bishop: lift_officer<w_bishop>(table, square); break;
+        case w_rook: lift_officer<w_rook>(table, square); break;
+        case w_queen: lift_officer<w_queen>(table, square); break;
+        case b_pawn: lift_pawn<black>(table, square); break;
+        case b_knight: lift_officer<b_knight>(table, square); break;
+        case b_bishop: lift_officer<b_bishop>(table, square); break;
+        case b_rook: lift_officer<b_rook>(table, square); break;
+        case b_queen: lift_officer<b_queen>(table, square); break;
         default: break;
     }
 }
@@ -75,14 +67,20 @@ inline void move_in_mailbox(Table& table, Square from, Square to) {
     table.at(from) = empty_square;
 }
 
-/// A knight, bishop, rook or queen: bitboard, keys, mailbox.
+/// Moves a knight, bishop, rook or queen in its bitboard and the keys; the mailbox stays.
 template <PieceCode Man>
-inline void move_officer(Table& table, Square from, Square to) {
+inline void shift_officer(Table& table, Square from, Square to) {
     Bitboard& men = table.*bitboard_of(Man);
     men ^= mask_of(from);
     men |= mask_of(to);
     toggle_keys<Man>(table, from);
     toggle_keys<Man>(table, to);
+}
+
+/// A knight, bishop, rook or queen: bitboard, keys, mailbox.
+template <PieceCode Man>
+inline void move_officer(Table& table, Square from, Square to) {
+    shift_officer<Man>(table, from, to);
     move_in_mailbox(table, from, to);
 }
 
@@ -99,6 +97,19 @@ inline void move_rook(Table& table, Square from, Square to) {
     move_officer<Own::rook>(table, from, to);
 }
 
+/// The rook's part of castling, from its corner to the square that the king has crossed.
+///
+/// Intended(castling-brings-its-rook): `to` gets a rook whatever stands on the corner, as taking
+/// back puts one there. Castling is generated only with the rook in place; a book word `O-O`, or a
+/// king that moves like a queen on a board set up by hand, castles without it.
+template <Side S>
+inline void castle_rook(Table& table, Square from, Square to) {
+    using Own = SideTraits<S>;
+    shift_officer<Own::rook>(table, from, to);
+    table.at(to) = Own::rook;
+    table.at(from) = empty_square;
+}
+
 /// The king's step or castling, which is known by the king's two squares alone. Gives the kind for
 /// the record: castling, or the kind that stood there before.
 template <Side S>
@@ -110,10 +121,10 @@ template <Side S>
     toggle_keys<Own::king>(table, to);
     move_in_mailbox(table, from, to);
     if (from == home && to == home + 2) {
-        move_officer<Own::rook>(table, Own::short_rook_home, home + 1);
+        castle_rook<S>(table, Own::short_rook_home, home + 1);
         undo_kind = S == white ? undo_white_short : undo_black_short;
     } else if (from == home && to == home - 2) {
-        move_officer<Own::rook>(table, Own::long_rook_home, home - 1);
+        castle_rook<S>(table, Own::long_rook_home, home - 1);
         undo_kind = S == white ? undo_white_long : undo_black_long;
     }
     table.*Own::king_square = to;

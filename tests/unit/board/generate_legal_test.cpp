@@ -4,7 +4,9 @@
 #include <memory>
 
 #include "board/generate.h"
+#include "support/captured_output.h"
 #include "support/generated.h"
+#include "support/reset_all.h"
 
 namespace {
 
@@ -27,6 +29,25 @@ TEST(GenerateLegal, LastMoveTakesThePlaceOfARemovedOne) {
 // into slots 3 to 7; 8 is left.
 TEST(GenerateLegal, MoveThatTakesAPlaceIsTestedToo) {
     EXPECT_EQ(legal("4rr1k/8/8/8/8/8/4R3/4K3 w - -"), "e1d1 e1d2 e2e8 e2e7 e2e6 e2e5 e2e4 e2e3");
+}
+
+// A black pawn stands where White's king is looked for. Pseudo-legal are 1 e1d2, 2 e1e2, 3 e1f2,
+// 4 e1d1, 5 e1f1; on d2 and f2 the pawn attacks e1. 1 goes and 5 takes its place; 5 and 2 pass; 3
+// goes and 4 takes its place; 5 and 2 pass again before 4 does. Moves to the first rank report.
+TEST(GenerateLegal, ScanRestartsAfterARemovalAndReportsAgain) {
+    reset_all();
+    Table table = position_from_fen("8/8/8/8/7k/8/8/4K3 w - -");
+    table.at(e1) = b_pawn;
+    const CapturedOutput output;
+    EXPECT_EQ(generated_text(gen_legal, table), "e1f1 e1e2 e1d1");
+    std::string targets;
+    const std::string text = output.text();
+    const std::string label = "posTo =  ";
+    for (std::size_t at = text.find(label); at != std::string::npos; at = text.find(label, at)) {
+        at += label.size();
+        targets += text.substr(at, text.find('\n', at) - at) + " ";
+    }
+    EXPECT_EQ(targets, "96 96 94 ");
 }
 
 TEST(GenerateLegal, ScoresMoveWithTheirMoves) {

@@ -199,6 +199,17 @@ TEST_F(BookBuilder, CastlingIsTakenWithoutAnyTest) {
     EXPECT_EQ(line_of("1. O-O O-O 2. O-O e5"), "e1g1e8g8e1g1e7e5") << "the king has long left e1";
 }
 
+TEST_F(BookBuilder, CastlingWithoutARookBringsOne) {
+    EXPECT_EQ(line_of("1. h4 a6 2. Rh3 a5 3. O-O a4 4. Re1 a3"),
+              "h2h4a7a6h1h3a6a5e1g1a5a4f1e1a4a3");
+    EXPECT_EQ(line_of("1. a4 h6 2. Ra3 h5 3. O-O-O h4 4. Re1 Rh5"),
+              "a2a4h7h6a1a3h6h5e1c1h5h4d1e1h8h5");
+    EXPECT_EQ(line_of("1. a3 h5 2. a4 Rh6 3. a5 O-O 4. a6 Re8 5. b3"),
+              "a2a3h7h5a3a4h8h6a4a5e8g8a5a6f8e8b2b3");
+    EXPECT_EQ(line_of("1. h3 a5 2. h4 Ra6 3. h5 O-O-O 4. h6 Re8 5. b3"),
+              "h2h3a7a5h3h4a8a6h4h5e8c8h5h6d8e8b2b3");
+}
+
 TEST_F(BookBuilder, CastlingWordsAreExact) {
     const std::string opening = "e2e4e7e5g1f3g8f6f1c4f8c5";
     const std::string moves = "1. e4 e5 2. Nf3 Nf6 3. Bc4 Bc5 4. ";
