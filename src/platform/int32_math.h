@@ -19,3 +19,9 @@
 [[nodiscard]] constexpr std::int32_t wrap_mul(std::int32_t a, std::int32_t b) {
     return static_cast<std::int32_t>(static_cast<std::uint32_t>(a) * static_cast<std::uint32_t>(b));
 }
+
+/// Quotient, truncated towards zero and wrapped in 32 bits: the lowest number by -1 is itself.
+/// Requires: `b` is not 0.
+[[nodiscard]] constexpr std::int32_t wrap_div(std::int32_t a, std::int32_t b) {
+    return b == -1 ? wrap_sub(0, a) : a / b;
+}

@@ -21,6 +21,7 @@ struct TimeLimit {
     std::int32_t sudden_death_signed;  ///< the limit before `st` in sudden death, else 0
 };
 
-/// The time for the next move. Never fails: all arithmetic wraps in 32 bits, and a divisor below 1
-/// counts as 1.
+/// The time for the next move. Never fails: all arithmetic wraps in 32 bits, and a divisor of 0
+/// counts as 1. A divisor below 0 makes the limit negative; without a sign it is so high (49 days)
+/// that only the depth ends the search.
 [[nodiscard]] TimeLimit time_for_move(const ClockState& state);

@@ -17,6 +17,9 @@ TEST(Int32Math, IsOrdinaryArithmeticWhereNothingWraps) {
     EXPECT_EQ(wrap_sub(2, -5), 7);
     EXPECT_EQ(wrap_mul(-3, 7), -21);
     EXPECT_EQ(wrap_mul(0, lowest), 0);
+    EXPECT_EQ(wrap_div(-7, 2), -3) << "towards zero";
+    EXPECT_EQ(wrap_div(7, -2), -3);
+    EXPECT_EQ(wrap_div(-7, -1), 7);
 }
 
 TEST(Int32Math, SumsWrap) {
@@ -40,9 +43,16 @@ TEST(Int32Math, ProductsWrap) {
     EXPECT_EQ(wrap_mul(65536, 65536), 0);
 }
 
+TEST(Int32Math, OneQuotientWraps) {
+    EXPECT_EQ(wrap_div(lowest, -1), lowest);
+    EXPECT_EQ(wrap_div(lowest + 1, -1), highest);
+    EXPECT_EQ(wrap_div(lowest, 1), lowest);
+}
+
 TEST(Int32Math, WorksAtCompileTime) {
     static_assert(wrap_add(highest, 1) == lowest);
     static_assert(wrap_sub(lowest, 1) == highest);
     static_assert(wrap_mul(lowest, -1) == lowest);
+    static_assert(wrap_div(lowest, -1) == lowest);
     SUCCEED();
 }

@@ -45,9 +45,9 @@ std::int64_t limit_in_64_bits(const ClockState& state) {
     std::int64_t divisor = 30;
     if (state.all_moves_game != 0) {
         divisor = cut(std::int64_t{state.all_moves_game} + 1 - state.make_moves_game);
-        divisor = divisor < 1 ? 1 : divisor;
+        divisor = divisor == 0 ? 1 : divisor;
     }
-    const std::int64_t share = clock / divisor;
+    const std::int64_t share = cut(clock / divisor);
     const std::int64_t longer = cut(share + cut(1000 * std::int64_t{state.time_plus}));
     const std::int64_t limit = clock > longer ? longer : share;
     return state.st_mode ? cut(10 * std::int64_t{state.st_time}) : limit;
@@ -121,12 +121,28 @@ TEST(TimeLimit, NegativeShareReadWithoutSignIsHuge) {
     EXPECT_EQ(limit_of(moves_control(-100, 40, 0, 0)), 4294967272U);
 }
 
-TEST(TimeLimit, DivisorBelowOneCountsAsOne) {
-    EXPECT_EQ(limit_of(moves_control(30000, 40, 40, 0)), 300000U);   // 1
-    EXPECT_EQ(limit_of(moves_control(30000, 40, 41, 0)), 300000U);   // 0
-    EXPECT_EQ(limit_of(moves_control(30000, 40, 42, 0)), 300000U);   // -1
-    EXPECT_EQ(limit_of(moves_control(30000, 40, 100, 7)), 300000U);  // -59
-    EXPECT_EQ(limit_of(moves_control(30000, -1, 0, 0)), 300000U);    // 0
+TEST(TimeLimit, DivisorOfZeroCountsAsOne) {
+    EXPECT_EQ(limit_of(moves_control(30000, 40, 40, 0)), 300000U);  // 1
+    EXPECT_EQ(limit_of(moves_control(30000, 40, 41, 0)), 300000U);  // 0
+    EXPECT_EQ(limit_of(moves_control(30000, -1, 0, 0)), 300000U);   // 0
+}
+
+TEST(TimeLimit, DivisorBelowZeroIsUsedAsItIs) {
+    EXPECT_EQ(limit_of(moves_control(30000, 40, 42, 0)), as_unsigned(-300000));  // -1
+    EXPECT_EQ(limit_of(moves_control(30000, 2, 5, 0)), as_unsigned(-150000));    // -2
+    EXPECT_EQ(limit_of(moves_control(600000, -100, 0, 0)), 4294906690U);         // -99
+    EXPECT_EQ(limit_of(moves_control(-600000, -100, 0, 0)), 60606U) << "of a clock below 0 too";
+}
+
+TEST(TimeLimit, IncrementCanLiftANegativeShareAboveZero) {
+    EXPECT_EQ(limit_of(moves_control(30000, 40, 100, 7)), 1916U);             // 7000 - 5084
+    EXPECT_EQ(limit_of(moves_control(30000, 40, 100, 5)), as_unsigned(-84));  // 5000 - 5084
+}
+
+TEST(TimeLimit, LowestClockByMinusOneWraps) {
+    const TimeLimit time = time_for_move(moves_control(1 << 30, 40, 42, 0));
+    EXPECT_EQ(time.clock_ms, lowest);  // 10737418240 less twice 4294967296
+    EXPECT_EQ(time.limit_ms, 2147483648U);
 }
 
 TEST(TimeLimit, WholeClockLeavesNoRoomForAnIncrement) {
@@ -174,8 +190,8 @@ TEST(TimeLimit, SignedValueForTheLogIsThatBeforeAFixedTime) {
 
 TEST(TimeLimit, ExtremesWrapAsIn64BitsCutTo32) {
     const std::vector<std::int32_t> values = {
-        lowest, lowest + 1, -214748365, -2147484,  -41,       -1,        0,           1,
-        39,     41,         2147483,    214748364, 214748365, 429496730, highest - 1, highest};
+        lowest, lowest + 1, -214748365, -2147484,  -41,       -1,      0,           1,      39,
+        41,     2147483,    214748364,  214748365, 429496730, 1 << 30, highest - 1, highest};
     int cases = 0;
     for (const std::int32_t clock : values) {
         for (const std::int32_t all : values) {
@@ -192,5 +208,5 @@ TEST(TimeLimit, ExtremesWrapAsIn64BitsCutTo32) {
             }
         }
     }
-    EXPECT_EQ(cases, 16 * 16 * 16 * 16 * 2);
+    EXPECT_EQ(cases, 17 * 17 * 17 * 17 * 2);
 }
