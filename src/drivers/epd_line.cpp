@@ -53,8 +53,7 @@ std::string kept_text(std::string_view word) {
 
 }  // namespace
 
-Table epd_position(std::string_view line) {
-    Table table;
+void set_epd_position(std::string_view line, Table& table) {
     clear_position(table);
     read_fen_board(line, table, FenView::as_written);
     const std::size_t blank = line.find(' ');
@@ -62,7 +61,6 @@ Table epd_position(std::string_view line) {
         blank == std::string_view::npos ? std::string_view() : line.substr(blank + 1);
     table.side = fields.starts_with('w') ? white : black;
     find_en_passant(fields, table);
-    return table;
 }
 
 std::vector<std::string> epd_solutions(std::string_view line) {

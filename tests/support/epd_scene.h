@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "drivers/epd_line.h"
@@ -21,6 +22,13 @@ inline const std::string one_move_line = "K7/8/1k6/8/8/8/8/7r w - - ";
 
 /// Two legal moves, a1a2 and b1, in this order.
 inline const std::string two_moves_line = "8/8/8/8/8/2k5/8/K7 w - - ";
+
+/// The position of a line, on a board of its own.
+inline Table epd_position(std::string_view line) {
+    Table table;
+    set_epd_position(line, table);
+    return table;
+}
 
 class EpdScene : public testing::Test {
   protected:

@@ -6,6 +6,7 @@
 
 #include "board/square_tables.h"
 #include "support/board_invariants.h"
+#include "support/epd_scene.h"
 #include "support/position.h"
 
 namespace {
@@ -51,6 +52,22 @@ TEST(EpdLine, LineWithoutABlankIsABoardWithBlackToMove) {
     EXPECT_EQ(table.ep_flag, 0);
     EXPECT_EQ(epd_position("wwwwwwww").side, black);
     EXPECT_EQ(epd_position("").Array, empty_board);
+}
+
+TEST(EpdLine, KingThatTheLineDoesNotPlaceStaysWhereTheBoardHasIt) {
+    Table table;
+    set_epd_position("8/8/8/3P4/8/8/8/8 w - -", table);
+    EXPECT_EQ(table.xywK, e1) << "a board of its own";
+    EXPECT_EQ(table.xybK, e8);
+    set_epd_position("k7/8/8/8/8/8/8/7K w - -", table);
+    set_epd_position("8/8/8/3P4/8/8/8/8 w - -", table);
+    EXPECT_EQ(table.xywK, h1);
+    EXPECT_EQ(table.xybK, a8);
+    EXPECT_EQ(table.at(h1), empty_square);
+    EXPECT_EQ(table.Kol_figur, 1);
+    set_epd_position("8/8/8/8/8/8/8/3K4 w - -", table);
+    EXPECT_EQ(table.xywK, d1);
+    EXPECT_EQ(table.xybK, a8) << "of two lines before";
 }
 
 TEST(EpdLine, SkippedSquareBecomesTheSquareOfThePawn) {

@@ -235,6 +235,21 @@ TEST_F(EpdTest, MoreThanTenThousandTestsAreCounted) {
     EXPECT_TRUE(run(suite, 0).ends_with(summary(tests, 101, solved_numbers, failed_numbers)));
 }
 
+TEST_F(EpdTest, OneBoardServesTheWholeSuite) {
+    // The king that no line places moves from where the line before had it.
+    const std::string suite = "7k/8/8/8/8/8/8/K7 w - - bm Kb1\n8/8/8/8/8/8/8/8 w - - bm Ka2\n";
+    for (int command = 0; command < 2; ++command) {
+        const std::string text = run(suite, 0);
+        const std::string second = text.substr(text.find("\n2 8/8"));
+        EXPECT_EQ(line_of(second, "xywK= "), "91");
+        EXPECT_EQ(line_of(second, "xybK= "), "28");
+        EXPECT_NE(second.find("1. a1a2  2. a1b2  3. a1b1"), std::string::npos) << second;
+    }
+    const std::string text = run("8/8/8/8/8/8/8/8 w - - bm Ka2\n", 0);
+    EXPECT_EQ(line_of(text, "xywK= "), "95") << "the next suite has a new board";
+    EXPECT_EQ(line_of(text, "xybK= "), "25");
+}
+
 TEST_F(EpdTest, BoardsThatAreNoneAreJudgedAsFarAsTheyGo) {
     int tests = 0;
     std::string suite;
