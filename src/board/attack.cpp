@@ -116,11 +116,15 @@ bool means_black(std::uint32_t side) {
     return side != white && (side & white_bit) == 0;
 }
 
-/// A king that was set up in the outer rows of the mailbox stands on no board and is never in
-/// check; the look at its neighbours would leave the mailbox.
-bool has_neighbours(Square king) {
+/// Whether the king of S is attacked. A king can be set up in the outer rows of the mailbox; where
+/// the two entries that it looks at ahead of it would lie outside, it is never in check.
+template <Side S>
+bool king_attacked(const Table& table) {
     constexpr Square widest_step = 11;
-    return king >= widest_step && king < static_cast<Square>(mailbox_size) - widest_step;
+    const Square king = table.*SideTraits<S>::king_square;
+    const bool looks_inside =
+        S == white ? king >= widest_step : king < static_cast<Square>(mailbox_size) - widest_step;
+    return looks_inside && attacked_by<SideTraits<S>::enemy>(table, king);
 }
 
 }  // namespace
@@ -130,10 +134,7 @@ bool square_attacked(const Table& table, Square square, Side side) {
 }
 
 bool in_check(const Table& table, std::uint32_t side) {
-    if (means_black(side)) {
-        return has_neighbours(table.xybK) && attacked_by<white>(table, table.xybK);
-    }
-    return has_neighbours(table.xywK) && attacked_by<black>(table, table.xywK);
+    return means_black(side) ? king_attacked<black>(table) : king_attacked<white>(table);
 }
 
 bool line_attack(const Table& table, Square square, Side side, Square through) {

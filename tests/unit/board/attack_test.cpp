@@ -238,8 +238,8 @@ TEST(Attack, LineAttackSeesWhitesDiagonalSlidersBothWaysAndBlacksOneWay) {
     }
 }
 
-// Kings can be set up beside the board. No look at them may leave the mailbox, and those of the
-// outer rows are never in check; the sanitizers watch.
+// Kings can be set up beside the board. No look at them may leave the mailbox; the sanitizers
+// watch.
 TEST(Attack, KingsInTheMargins) {
     int kings = 0;
     for (Square square = 0; square < static_cast<Square>(mailbox_size); ++square) {
@@ -265,6 +265,41 @@ TEST(Attack, KingsInTheMargins) {
         }
     }
     EXPECT_EQ(kings, 2 * 56);
+}
+
+// A king looks for pawns and kings ahead of it, from every entry from which that stays inside.
+TEST(Attack, KingsOfTheOuterRowsAreInCheckFromEntriesAheadOfThem) {
+    const Table empty = position_from_fen("8/8/8/8/8/8/8/8 w - -");
+    int attacked = 0;
+    for (Square king = 0; king < static_cast<Square>(mailbox_size); ++king) {
+        for (const Square step : {9, 11}) {
+            for (const PieceCode man : {b_pawn, b_king, b_knight, w_pawn}) {
+                if (king - step < 0) {
+                    continue;
+                }
+                Table table = empty;
+                table.xywK = king;
+                table.xybK = 0;
+                table.at(king - step) = man;
+                const bool in_reach = king >= 11 && (man == b_pawn || man == b_king);
+                EXPECT_EQ(in_check(table, white), in_reach) << king << " " << step << " " << man;
+                attacked += in_reach ? 1 : 0;
+            }
+            for (const PieceCode man : {w_pawn, w_king, w_knight, b_pawn}) {
+                if (king + step >= static_cast<Square>(mailbox_size)) {
+                    continue;
+                }
+                Table table = empty;
+                table.xywK = 0;
+                table.xybK = king;
+                table.at(king + step) = man;
+                const bool in_reach = king <= 108 && (man == w_pawn || man == w_king);
+                EXPECT_EQ(in_check(table, black), in_reach) << king << " " << step << " " << man;
+                attacked += in_reach ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_EQ(attacked, 2 * 109 * 2 * 2);
 }
 
 TEST(Attack, KingRightOfTheEighthRankIsSeenFromTheBoard) {
