@@ -121,6 +121,15 @@ TEST_F(PerftSuite, TimeRunsFromTheStartOfTheLine) {
               " \n");
 }
 
+// A king that a line does not place is on e1 or e8, with five squares to go to; on h1 it has three.
+TEST_F(PerftSuite, EachLineHasABoardOfItsOwn) {
+    write_file("suite", "k7/8/8/8/8/8/8/7K w -\n8/8/8/8/8/8/8/8 w -\n");
+    const std::string text = run("suite");
+    EXPECT_NE(text.find("7K w -\n1 3  3  time: 0\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("8/8 w -\n1 5  5  time: 0\n2 25  30  time: 0\n"), std::string::npos)
+        << text;
+}
+
 TEST_F(PerftSuite, EveryLongLineOfAFileIsRun) {
     write_file("suite", stalemate + "\n\nshort!\n" + stalemate + " and more\n");
     EXPECT_EQ(run("suite"), "PerftTest: suite\n" + without_moves(stalemate) +

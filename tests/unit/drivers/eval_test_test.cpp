@@ -117,6 +117,16 @@ TEST_F(EvalTest, MirrorImageHasItsMenOnTheOtherSideOfTheBoard) {
     EXPECT_TRUE(text.ends_with("Evaluate: 185\n")) << "315 - 130, seen by Black";
 }
 
+TEST_F(EvalTest, EachLineHasBoardsOfItsOwn) {
+    // The second line fails as it stands, and lacks kings: they are on e1 and e8 in both positions.
+    const std::string text =
+        run("k7/8/8/8/8/8/8/7K w\n8/5p1B/6p1/8/8/6P1/5P1b/8 w\n", eval_test_static);
+    const std::string kings = "xywK= 95\nxybK= 25\nKol_figur  is  6\n";
+    const std::size_t first = text.find(kings);
+    ASSERT_NE(first, std::string::npos) << text;
+    EXPECT_NE(text.find(kings, first + 1), std::string::npos) << text;
+}
+
 TEST_F(EvalTest, BoardFieldAloneIsRead) {
     for (const std::int32_t mode : modes) {
         const std::string expected = dump_of_broken_in(mode);
