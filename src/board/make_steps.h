@@ -100,8 +100,8 @@ inline void move_rook(Table& table, Square from, Square to) {
 /// The rook's part of castling, from its corner to the square that the king has crossed.
 ///
 /// Intended(castling-brings-its-rook): `to` gets a rook whatever stands on the corner, as taking
-/// back puts one there. Castling is generated only with the rook in place; a book word `O-O`, or a
-/// king that moves like a queen on a board set up by hand, castles without it.
+/// back puts one there. Castling is generated only with the rook in place. The word `O-O` in a game
+/// for the book, or a king that moves like a queen on a board set up by hand, castles without it.
 template <Side S>
 inline void castle_rook(Table& table, Square from, Square to) {
     using Own = SideTraits<S>;

@@ -35,7 +35,7 @@ auto one_of(const Values& values, RandomNumbers& random) {
     return values[random.below(static_cast<std::uint32_t>(values.size()))];
 }
 
-/// A position of a random game with up to a dozen things put out of joint.
+/// A position of a random game with up to eleven entries, bits, king squares or rights changed.
 Table broken_board(RandomNumbers& random) {
     Table table = start_position();
     for (std::uint32_t plies = random.below(60); plies > 0; --plies) {
