@@ -31,4 +31,6 @@ struct UndoRecord {
     std::int32_t en_passant;  ///< 1 when the capture was en passant
     std::uint32_t castling;
     std::int32_t capture_flag;
+
+    friend bool operator==(const UndoRecord&, const UndoRecord&) = default;
 };

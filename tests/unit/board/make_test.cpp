@@ -332,56 +332,6 @@ TEST(Make, SideIsNeverTouched) {
     }
 }
 
-// Where the mailbox shows a man that its bitboard lacks, the flipped bit stays behind.
-TEST(Make, LeavingPawnWithoutItsBitLeavesOneBehindInBothForms) {
-    for (const auto& [pawn, from, to] :
-         {std::tuple<PieceCode, Square, Square>{w_pawn, e4, e5}, {b_pawn, d5, d4}}) {
-        Table before = position_from_fen("4k3/8/8/8/8/8/8/4K3 w - -");
-        before.at(from) = pawn;
-        const auto pawns = bitboard_of(pawn);
-        Table plain = before;
-        make_plain(plain, from, to, 0);
-        EXPECT_EQ(plain.*pawns, mask_of(from) | mask_of(to));
-        Table recorded = before;
-        UndoRecord undo;
-        make(recorded, from, to, 0, undo);
-        EXPECT_TRUE(recorded == plain);
-        unmake(recorded, undo);
-        EXPECT_TRUE(recorded == before);
-    }
-}
-
-TEST(Make, TakenManWithoutItsBitLeavesOneBehindInBothForms) {
-    for (const PieceCode taken : {w_pawn, w_knight, w_bishop, w_rook, w_queen, b_pawn, b_knight,
-                                  b_bishop, b_rook, b_queen}) {
-        Table before = position_from_fen("7k/8/8/8/3K4/8/8/8 w - -");
-        before.at(d5) = taken;
-        Table plain = before;
-        make_plain(plain, d4, d5, 0);
-        EXPECT_EQ(plain.*bitboard_of(taken), mask_of(d5)) << taken;
-        Table recorded = before;
-        UndoRecord undo;
-        make(recorded, d4, d5, 0, undo);
-        EXPECT_TRUE(recorded == plain) << taken;
-        unmake(recorded, undo);
-        EXPECT_TRUE(recorded == before) << taken;
-    }
-}
-
-TEST(Make, PawnTakenInPassingWithoutItsBitLeavesOneBehindInBothForms) {
-    Table before = position_from_fen("4k3/8/8/4P3/8/8/8/4K3 w - -");
-    before.at(d5) = b_pawn;
-    Table plain = before;
-    make_plain(plain, e5, d6, 0);
-    EXPECT_EQ(plain.BPawns, mask_of(d5));
-    Table recorded = before;
-    UndoRecord undo;
-    make(recorded, e5, d6, 0, undo);
-    EXPECT_TRUE(recorded == plain);
-    unmake(recorded, undo);
-    EXPECT_TRUE(recorded == before);
-}
-
 namespace {
 
 /// A castling move: the king's squares, the rook's corner and where the rook goes.
@@ -400,30 +350,66 @@ constexpr std::array<CastlingSquares, 4> castling_squares = {{
     {e8, c8, a8, d8, b_rook},
 }};
 
+/// The position after `make_plain`. `make` has to leave the same one, and `unmake` then
+/// `taken_back`.
+Table made_in_both_forms(const Table& before, const Move& move, const Table& taken_back) {
+    Table plain = before;
+    make_plain(plain, move.posFrom, move.posTo, move.posInfo);
+    Table recorded = before;
+    UndoRecord undo;
+    make(recorded, move.posFrom, move.posTo, move.posInfo, undo);
+    EXPECT_TRUE(recorded == plain);
+    unmake(recorded, undo);
+    EXPECT_TRUE(recorded == taken_back);
+    return plain;
+}
+
 }  // namespace
+
+// Where the mailbox shows a man that its bitboard lacks, the flipped bit stays behind.
+TEST(Make, LeavingPawnWithoutItsBitLeavesOneBehindInBothForms) {
+    for (const auto& [pawn, from, to] :
+         {std::tuple<PieceCode, Square, Square>{w_pawn, e4, e5}, {b_pawn, d5, d4}}) {
+        Table before = position_from_fen("4k3/8/8/8/8/8/8/4K3 w - -");
+        before.at(from) = pawn;
+        const Table after = made_in_both_forms(before, {from, to, 0}, before);
+        EXPECT_EQ(after.*bitboard_of(pawn), mask_of(from) | mask_of(to));
+    }
+}
+
+TEST(Make, TakenManWithoutItsBitLeavesOneBehindInBothForms) {
+    for (const PieceCode taken : {w_pawn, w_knight, w_bishop, w_rook, w_queen, b_pawn, b_knight,
+                                  b_bishop, b_rook, b_queen}) {
+        SCOPED_TRACE(taken);
+        Table before = position_from_fen("7k/8/8/8/3K4/8/8/8 w - -");
+        before.at(d5) = taken;
+        const Table after = made_in_both_forms(before, {d4, d5, 0}, before);
+        EXPECT_EQ(after.*bitboard_of(taken), mask_of(d5));
+    }
+}
+
+TEST(Make, PawnTakenInPassingWithoutItsBitLeavesOneBehindInBothForms) {
+    Table before = position_from_fen("4k3/8/8/4P3/8/8/8/4K3 w - -");
+    before.at(d5) = b_pawn;
+    const Table after = made_in_both_forms(before, {e5, d6, 0}, before);
+    EXPECT_EQ(after.BPawns, mask_of(d5));
+}
 
 TEST(Make, CastlingPutsARookBesideTheKingWhateverStandsOnTheCorner) {
     for (const CastlingSquares& castling : castling_squares) {
         for (const PieceCode on_corner : {empty_square, w_knight, b_queen}) {
-            const Table kings = position_from_fen("4k3/8/8/8/8/8/8/4K3 w - -");
-            Table before = kings;
+            Table before = position_from_fen("4k3/8/8/8/8/8/8/4K3 w - -");
+            // A rook comes back, without its bit.
+            Table taken_back = before;
+            taken_back.at(castling.corner) = castling.rook;
             before.at(castling.corner) = on_corner;
-            Table plain = before;
-            make_plain(plain, castling.from, castling.to, 0);
-            EXPECT_EQ(plain.at(castling.rook_to), castling.rook);
-            EXPECT_EQ(plain.at(castling.corner), empty_square);
-            EXPECT_EQ(plain.*bitboard_of(castling.rook),
+            const Table after =
+                made_in_both_forms(before, {castling.from, castling.to, 0}, taken_back);
+            EXPECT_EQ(after.at(castling.rook_to), castling.rook);
+            EXPECT_EQ(after.at(castling.corner), empty_square);
+            EXPECT_EQ(after.*bitboard_of(castling.rook),
                       mask_of(castling.rook_to) | mask_of(castling.corner))
                 << "the corner had no bit, and it is flipped";
-
-            Table recorded = before;
-            UndoRecord undo;
-            make(recorded, castling.from, castling.to, 0, undo);
-            EXPECT_TRUE(recorded == plain);
-            unmake(recorded, undo);
-            Table expected = kings;
-            expected.at(castling.corner) = castling.rook;
-            EXPECT_TRUE(recorded == expected) << "a rook comes back, without its bit";
         }
     }
 }
